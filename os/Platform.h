@@ -1,0 +1,72 @@
+// What the portable core needs from the operating system. Two implementations:
+// os/win32 and os/posix. Nothing else in the core includes a platform header.
+//
+// Paths in the core follow the module's backslash rules. The POSIX side maps
+// them at the last moment: a drive prefix "X:" stands for the root "/" (as
+// under Wine, where Z: is the Unix root) and backslashes become slashes, so
+// scripts and job files written for Windows run on Linux unchanged.
+#pragma once
+
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <mutex>
+#include <string>
+
+// fopen with the module's path rules. mode as for fopen ("rb", "wb", ...).
+FILE* OsOpenFile(const char* path, const char* mode);
+
+// Atomically puts the file at tempPath in place of destPath (which may exist).
+// false leaves destPath as it was.
+bool OsReplaceFile(const char* tempPath, const char* destPath);
+
+// Removes a file; false when it could not be removed.
+bool OsRemoveFile(const char* path);
+
+// Full path name of path against the current directory, in backslash form
+// ("C:\dir\file" on Windows, "Z:\dir\file" on POSIX). false if it cannot be made.
+bool OsFullPathName(const char* path, std::string* fullPath);
+
+// The current directory in the same form as OsFullPathName; empty on failure.
+std::string OsCurrentDirectory();
+
+void OsSleep(uint32_t milliseconds);
+
+// Milliseconds from an arbitrary fixed point, monotonic.
+uint64_t OsTickCount();
+
+struct TOSLOCALTIME {
+    uint16_t year, month, dayOfWeek, day, hour, minute, second, milliseconds;
+};
+void OsLocalTime(TOSLOCALTIME* time);
+
+// A manual-reset event: once set it stays set until reset. Thread-safe.
+class COsEvent {
+public:
+    void Set();
+    void Reset();
+    bool IsSet();
+    // Waits up to timeoutMs (0xFFFFFFFF = forever); true when the event is set.
+    bool Wait(uint32_t timeoutMs);
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_cond;
+    bool m_set = false;
+};
+
+// A thread with a chosen stack size (the script worker runs on 64 KiB).
+class COsThread {
+public:
+    typedef void (*TEntry)(void* argument);
+    COsThread() = default;
+    COsThread(const COsThread&) = delete;
+    COsThread& operator=(const COsThread&) = delete;
+    ~COsThread();  // joins a thread still running
+    bool Start(size_t stackSize, TEntry entry, void* argument);
+    void Join();
+
+private:
+    void* m_handle = nullptr;
+};

@@ -1,0 +1,153 @@
+// POSIX platform services.
+#include <pthread.h>
+#include <stdio.h>
+#include <sys/time.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <climits>
+#include <string>
+
+#include "os/Platform.h"
+
+namespace {
+
+// "X:\a\b" -> "/a/b", "a\b" -> "a/b".
+std::string NativePath(const char* path) {
+    std::string p(path);
+    if (p.size() >= 2 && p[1] == ':' &&
+        ((p[0] >= 'A' && p[0] <= 'Z') || (p[0] >= 'a' && p[0] <= 'z')))
+        p.erase(0, 2);
+    for (char& c : p)
+        if (c == '\\') c = '/';
+    if (p.empty() && path[0] != '\0') p = "/";
+    return p;
+}
+
+// "/a/b" -> "Z:\a\b".
+std::string ModulePath(const std::string& native) {
+    std::string p = "Z:" + native;
+    for (char& c : p)
+        if (c == '/') c = '\\';
+    return p;
+}
+
+}  // namespace
+
+FILE* OsOpenFile(const char* path, const char* mode) {
+    return fopen(NativePath(path).c_str(), mode);
+}
+
+bool OsReplaceFile(const char* tempPath, const char* destPath) {
+    return rename(NativePath(tempPath).c_str(), NativePath(destPath).c_str()) == 0;
+}
+
+bool OsRemoveFile(const char* path) { return remove(NativePath(path).c_str()) == 0; }
+
+std::string OsCurrentDirectory() {
+    char buffer[PATH_MAX];
+    if (!getcwd(buffer, sizeof buffer)) return std::string();
+    return ModulePath(buffer);
+}
+
+bool OsFullPathName(const char* path, std::string* fullPath) {
+    if (path == nullptr || path[0] == '\0') return false;
+    std::string p(path);
+    bool absolute = p[0] == '/' || p[0] == '\\' || (p.size() >= 2 && p[1] == ':');
+    std::string native = NativePath(path);
+    if (!absolute) {
+        char buffer[PATH_MAX];
+        if (!getcwd(buffer, sizeof buffer)) return false;
+        native = std::string(buffer) + "/" + native;
+    }
+    // Fold "." and ".." segments as GetFullPathName does, without touching the disk.
+    std::string out;
+    size_t i = 0;
+    while (i < native.size()) {
+        size_t j = native.find('/', i);
+        if (j == std::string::npos) j = native.size();
+        std::string seg = native.substr(i, j - i);
+        if (seg == "..") {
+            size_t cut = out.rfind('/');
+            out.erase(cut == std::string::npos ? 0 : cut);
+        } else if (!seg.empty() && seg != ".") {
+            out += "/" + seg;
+        }
+        i = j + 1;
+    }
+    if (out.empty()) out = "/";
+    *fullPath = ModulePath(out);
+    return true;
+}
+
+void OsSleep(uint32_t milliseconds) {
+    struct timespec ts;
+    ts.tv_sec = milliseconds / 1000;
+    ts.tv_nsec = (long)(milliseconds % 1000) * 1000000L;
+    while (nanosleep(&ts, &ts) != 0) {
+    }
+}
+
+uint64_t OsTickCount() {
+    struct timespec ts;
+    clock_gettime(CLOCK_MONOTONIC, &ts);
+    return (uint64_t)ts.tv_sec * 1000u + (uint64_t)ts.tv_nsec / 1000000u;
+}
+
+void OsLocalTime(TOSLOCALTIME* time) {
+    struct timeval tv;
+    gettimeofday(&tv, nullptr);
+    struct tm t;
+    time_t secs = tv.tv_sec;
+    localtime_r(&secs, &t);
+    time->year = (uint16_t)(t.tm_year + 1900);
+    time->month = (uint16_t)(t.tm_mon + 1);
+    time->dayOfWeek = (uint16_t)t.tm_wday;
+    time->day = (uint16_t)t.tm_mday;
+    time->hour = (uint16_t)t.tm_hour;
+    time->minute = (uint16_t)t.tm_min;
+    time->second = (uint16_t)t.tm_sec;
+    time->milliseconds = (uint16_t)(tv.tv_usec / 1000);
+}
+
+namespace {
+struct TThreadStart {
+    COsThread::TEntry entry;
+    void* argument;
+};
+void* ThreadMain(void* p) {
+    TThreadStart start = *static_cast<TThreadStart*>(p);
+    delete static_cast<TThreadStart*>(p);
+    start.entry(start.argument);
+    return nullptr;
+}
+}  // namespace
+
+bool COsThread::Start(size_t stackSize, TEntry entry, void* argument) {
+    if (m_handle) return false;
+    pthread_attr_t attr;
+    if (pthread_attr_init(&attr) != 0) return false;
+    if (stackSize < (size_t)PTHREAD_STACK_MIN) stackSize = PTHREAD_STACK_MIN;
+    pthread_attr_setstacksize(&attr, stackSize);
+    auto* start = new (std::nothrow) TThreadStart{entry, argument};
+    pthread_t* thread = new (std::nothrow) pthread_t;
+    bool ok = start && thread && pthread_create(thread, &attr, ThreadMain, start) == 0;
+    pthread_attr_destroy(&attr);
+    if (!ok) {
+        delete start;
+        delete thread;
+        return false;
+    }
+    m_handle = thread;
+    return true;
+}
+
+void COsThread::Join() {
+    if (!m_handle) return;
+    auto* thread = static_cast<pthread_t*>(m_handle);
+    pthread_join(*thread, nullptr);
+    delete thread;
+    m_handle = nullptr;
+}
+
+COsThread::~COsThread() { Join(); }

@@ -1,0 +1,53 @@
+#!/usr/bin/env bash
+# Builds every configuration and runs every test:
+#   native (g++), sanitize (g++ with ASan+UBSan), windows (mingw-w64, tests
+#   under Wine, headless), fuzz (clang + libFuzzer, each harness for FUZZ_SECONDS).
+# Usage: tools/test.sh            (from the repository root)
+# Environment: FUZZ_SECONDS (default 60), JOBS (default: number of cores).
+set -eu
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+root=$(pwd)
+bash tools/deps.sh
+
+JOBS=${JOBS:-$(nproc)}
+FUZZ_SECONDS=${FUZZ_SECONDS:-60}
+fail=0
+
+configure_build() {  # dir, cmake args...
+    local dir=$1
+    shift
+    cmake -S . -B "$dir" -G Ninja "$@" >/dev/null
+    cmake --build "$dir" -j "$JOBS"
+}
+
+run_ctest() {  # dir, label
+    echo "== tests: $2"
+    if ! ctest --test-dir "$1" --output-on-failure -j "$JOBS"; then
+        fail=1
+    fi
+}
+
+echo "== build: native"
+configure_build build/native
+run_ctest build/native native
+
+echo "== build: sanitize"
+configure_build build/sanitize -DOND_SANITIZE=ON -DCMAKE_BUILD_TYPE=Debug
+ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 run_ctest build/sanitize sanitize
+
+echo "== build: windows"
+configure_build build/windows -DCMAKE_TOOLCHAIN_FILE="$root/cmake/mingw-w64-x86_64.cmake"
+bash tools/check-imports.sh build/windows/bin/OndDeviceClient.dll || fail=1
+# The Wine prefix is made once here, not by the first test that happens to run.
+tools/wine-run.sh wineboot -i >/dev/null 2>&1 || true
+xvfb-run -a -s "-screen 0 1280x1024x24" ctest --test-dir build/windows --output-on-failure -j "$JOBS" || fail=1
+
+echo "== build: fuzz"
+configure_build build/fuzz -DOND_FUZZ=ON -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++
+bash tools/fuzz.sh build/fuzz "$FUZZ_SECONDS" || fail=1
+
+if [ $fail -ne 0 ]; then
+    echo "== FAILED"
+    exit 1
+fi
+echo "== all tests passed"
