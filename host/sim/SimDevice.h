@@ -4,13 +4,26 @@
 //
 // Behaviour:
 // - Lock is per owner and re-entrant with a count; another owner waits up to
-//   the timeout. Every operation is thread-safe.
+//   the timeout (0 = try once, 0xFFFFFFFF = forever). Every operation is
+//   thread-safe.
 // - Loopback: bytes given to Transmit are appended to the receive queue that
 //   Receive drains. Tests may preload the queue or turn loopback off.
 // - Storage: blockCount blocks of blockSize bytes (256 x 4096 by default).
 //   Files are stored under their id (one file per id) with their type; mode 1
 //   stores every byte bit-reversed, mode 2 loads the image into the program
-//   slot instead of the directory.
+//   slot instead of the directory; any other mode stores the bytes as they are.
+//   A file of n bytes takes max(1, ceil(n / blockSize)) blocks: even an empty
+//   file needs a block for its entry. A failed or aborted transfer leaves the
+//   device as it was, including a file it would have replaced.
+// - Blocks carry a "used" mark, set when a file is written to them and cleared
+//   only when they are erased by a format. Deleting a file frees its blocks
+//   (the directory counts them free) but they stay marked, so
+//   FormatDevice(1) erases the blocks ever written since the last format and
+//   keeps the program slot, while FormatDevice(0) erases every block and the
+//   program slot.
+// - While the state is not 1 every device operation fails with
+//   SIMDEV_ERR_CLOSED; GetInfoString, Lock, Unlock, GetState and the directory
+//   snapshot readers keep working.
 // - Fault injection: the k-th call of a named operation fails with a code.
 #pragma once
 
@@ -26,27 +39,39 @@
 // Error codes of the simulated device (texts from GetInfoString(2, code)).
 enum : int32_t {
     SIMDEV_ERR_NONE = 0,
-    SIMDEV_ERR_FILENOTFOUND = 1001,    // no file with that id on the device
-    SIMDEV_ERR_STORAGEFULL = 1002,     // not enough free blocks
-    SIMDEV_ERR_LOCALFILE = 1003,       // the local file cannot be opened or read
-    SIMDEV_ERR_ABORTED = 1004,         // the progress callback asked to abort
-    SIMDEV_ERR_INJECTED = 1005,        // default code of an injected fault
-    SIMDEV_ERR_CLOSED = 1006,          // the channel is closed
-    SIMDEV_ERR_NOTSUPPORTED = 1007,    // a host-only slot was called
-    SIMDEV_ERR_NODIRECTORY = 1008,     // directory queried before ReadDirectory
-    SIMDEV_ERR_BADARGUMENT = 1009,     // null buffer, zero steps and the like
+    SIMDEV_ERR_FILENOTFOUND = 1001,  // no file with that id on the device
+    SIMDEV_ERR_STORAGEFULL = 1002,   // not enough free blocks
+    SIMDEV_ERR_LOCALFILE = 1003,     // the local file cannot be opened or read
+    SIMDEV_ERR_ABORTED = 1004,       // the progress callback asked to abort
+    SIMDEV_ERR_INJECTED = 1005,      // default code of an injected fault
+    SIMDEV_ERR_CLOSED = 1006,        // the channel is closed
+    SIMDEV_ERR_NOTSUPPORTED = 1007,  // a host-only slot was called
+    SIMDEV_ERR_BADARGUMENT = 1008,   // null buffer, zero steps and the like
+    SIMDEV_ERR_LOCKED = 1009,        // another owner holds the lock
+    SIMDEV_ERR_NOMEMORY = 1010,      // the simulation ran out of memory
+    SIMDEV_ERR_INTERNAL = 1011,      // any other failure inside the simulation
+};
+
+// File modes the device knows.
+enum : uint32_t {
+    SIMDEV_MODE_NORMAL = 0,
+    SIMDEV_MODE_BITREVERSE = 1,
+    SIMDEV_MODE_PROGRAM = 2,
 };
 
 class CSimDevice : public COndDeviceComm_0 {
 public:
     struct TConfig {
-        uint32_t blockCount = 256;
-        uint32_t blockSize = 4096;
+        uint32_t blockCount = 256;  // 0 is taken as 1
+        uint32_t blockSize = 4096;  // 0 is taken as 1
         bool loopback = true;
     };
 
     CSimDevice();
     explicit CSimDevice(const TConfig& config);
+    CSimDevice(const CSimDevice&) = delete;
+    CSimDevice& operator=(const CSimDevice&) = delete;
+    virtual ~CSimDevice() = default;
 
     // --- COndDeviceComm_0 ---------------------------------------------------
     int32_t Reserved00() override;
@@ -59,6 +84,10 @@ public:
     int32_t Reserved07() override;
     int32_t Reserved08() override;
     int32_t Reserved09() override;
+    // Fixed texts are string literals that never expire. The configuration line
+    // and the text of an unknown code live in storage of the calling thread and
+    // stay valid until that thread's next GetInfoString on any simulated device,
+    // so concurrent callers never overwrite each other's text.
     const char* GetInfoString(uint32_t what, int64_t code) override;
     int32_t Lock(void* owner, uint32_t timeoutMs) override;
     int32_t Reserved12() override;
@@ -95,27 +124,72 @@ public:
     std::string TakeTransmitted();                 // everything sent since the last call
     size_t PendingReceive();
     // The k-th (1-based) future call of `operation` (its name as in the
-    // interface, e.g. "Transmit") fails with `code`. k counts from now.
-    void InjectFault(const std::string& operation, uint32_t k, int32_t code = SIMDEV_ERR_INJECTED);
+    // interface, e.g. "Transmit") fails with `code`: it does nothing else and
+    // zeroes its out-values. k counts from now. Code 0 makes that call report
+    // success without doing anything (a lost transfer). false for k = 0 or an
+    // operation that cannot fail (void results, GetState, ...).
+    bool InjectFault(const std::string& operation, uint32_t k,
+                     int32_t code = SIMDEV_ERR_INJECTED);
     void ClearFaults();
 
     struct TStoredFile {
         uint8_t fileType = 0;
-        std::string data;  // as stored (bit-reversed for mode 1)
+        std::string data;     // as stored (bit-reversed for mode 1)
+        uint32_t blocks = 0;  // blocks the file occupies
     };
     bool GetStoredFile(uint8_t fileId, TStoredFile* file);
+    bool HasProgram();
     std::string ProgramImage();  // the last image loaded with mode 2
     uint32_t FreeBlocks();
-    void* LockOwner();           // null when unlocked
+    uint32_t MarkedBlocks();     // blocks carrying the "used" mark
+    uint64_t BlockErases();      // blocks erased by formats since construction
+
+    // The arguments of the last transfer call that got past its fault check.
+    struct TTransfer {
+        std::string localPath;  // empty for TransmitFileFromMemory
+        uint8_t fileId = 0;
+        uint8_t fileType = 0;
+        uint32_t fileMode = 0;
+        uint32_t flag = 0;
+        uint32_t steps = 0;
+    };
+    TTransfer LastTransfer();
+
+    void* LockOwner();  // null when unlocked
     uint32_t LockCount();
+    // Calls of an interface operation by its name, counted from construction,
+    // whatever their outcome.
     uint64_t CallCount(const std::string& operation);
+    uint64_t TotalCallCount();
 
 private:
-    int32_t CheckFault(const char* operation);  // under m_mutex; counts the call
-    int32_t Store(const std::string& data, uint8_t fileId, uint8_t fileType, uint32_t fileMode,
+    struct TFileRecord {
+        TStoredFile file;
+        std::vector<uint32_t> blockList;
+    };
+    struct TFault {
+        uint64_t atCall;
+        int32_t code;
+    };
+
+    // Counts the call; answers true with *code set when a fault is due.
+    bool CheckFault(const char* operation, int32_t* code);  // under m_mutex
+    void CountCall(const char* operation);                  // under m_mutex
+    bool IsOpen() const { return m_state == 1; }
+    int32_t Store(std::string data, uint8_t fileId, uint8_t fileType, uint32_t fileMode,
                   TransferProgressCallback callback, void* context, uint32_t steps);
-    uint32_t BlocksFor(uint64_t bytes) const;
-    uint32_t UsedBlocks() const;
+    int32_t CheckRoom(uint64_t bytes, uint32_t fileMode, uint8_t fileId) const;
+    void Commit(std::string&& data, uint8_t fileId, uint8_t fileType, uint32_t fileMode);
+    void FreeFile(uint8_t fileId);
+    uint64_t BlocksFor(uint64_t bytes) const;
+    uint64_t Capacity() const;
+    void EraseAll(bool markedOnly);
+    // Counts, checks faults and arguments, records the call; false when the
+    // transfer ends here with *result.
+    bool BeginTransfer(const char* operation, const char* localPath, bool haveData,
+                       uint8_t fileId, uint8_t fileType, uint32_t fileMode, uint32_t flag,
+                       uint32_t steps, int32_t* result);
+    void AppendReceive(const char* data, size_t length);
 
     TConfig m_config;
     std::mutex m_mutex;
@@ -123,18 +197,22 @@ private:
     void* m_lockOwner = nullptr;
     uint32_t m_lockCount = 0;
     uint32_t m_state = 1;
+    // Receive drains from m_receiveOffset on; the consumed front is cut off
+    // only now and then, so draining a large queue in small reads stays linear.
     std::string m_receiveQueue;
+    size_t m_receiveOffset = 0;
     std::string m_transmitted;
-    std::map<uint8_t, TStoredFile> m_files;
+    std::map<uint8_t, TFileRecord> m_files;
+    bool m_hasProgram = false;
     std::string m_programImage;
+    std::vector<int> m_blockFile;     // file id per block, -1 = free
+    std::vector<bool> m_blockMarked;  // "used" marks, as FormatDevice(1) sees them
+    uint32_t m_freeBlocks = 0;
+    uint64_t m_blockErases = 0;
     std::vector<TDEVDIRENTRY> m_directory;  // snapshot taken by ReadDirectory
-    bool m_directoryRead = false;
-    std::vector<bool> m_blockUsed;          // "used" marks, as FormatDevice(1) sees them
-    std::map<std::string, uint64_t> m_calls;
-    struct TFault {
-        uint64_t atCall;
-        int32_t code;
-    };
-    std::multimap<std::string, TFault> m_faults;
-    std::string m_infoText;  // storage behind GetInfoString's answer
+    TDEVDIRINFO m_directoryInfo = {};
+    TTransfer m_lastTransfer;
+    std::map<std::string, uint64_t, std::less<>> m_calls;  // every name preset
+    uint64_t m_totalCalls = 0;
+    std::multimap<std::string, TFault, std::less<>> m_faults;
 };

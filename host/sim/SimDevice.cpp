@@ -1,0 +1,186 @@
+// The simulated device: construction, locking, state, call counting and fault
+// injection, and the host-only slots.
+#include "host/sim/SimDevice.h"
+
+#include <chrono>
+#include <new>
+#include <string_view>
+
+namespace {
+
+// Every interface operation by name; the call counters are preset for all of
+// them so that counting a call never allocates.
+const char* const kOperationNames[] = {
+    "Reserved00", "Reserved01", "Reserved02", "Reserved03", "Reserved04",
+    "Reserved05", "Reserved06", "Reserved07", "Reserved08", "Reserved09",
+    "GetInfoString", "Lock", "Reserved12", "Unlock", "Reserved14", "GetState",
+    "Reserved16", "Reserved17", "Reserved18", "Receive", "Transmit", "Reserved21",
+    "Reserved22", "TransmitFileFromMemory", "Reserved24", "TransmitFile", "Reserved26",
+    "ReadDirectory", "GetDirectoryEntryCount", "GetDirectoryEntry", "GetDirectoryInfo",
+    "DeleteDeviceFile", "FormatDevice",
+};
+
+// The operations that can report an error, and so can take an injected fault.
+const char* const kFaultableNames[] = {
+    "Transmit",      "Receive",          "TransmitFile", "TransmitFileFromMemory",
+    "ReadDirectory", "DeleteDeviceFile", "FormatDevice", "Lock",
+};
+
+const uint32_t kWaitForever = 0xFFFFFFFF;
+
+}  // namespace
+
+CSimDevice::CSimDevice() : CSimDevice(TConfig()) {}
+
+CSimDevice::CSimDevice(const TConfig& config) : m_config(config) {
+    if (m_config.blockCount == 0) m_config.blockCount = 1;
+    if (m_config.blockSize == 0) m_config.blockSize = 1;
+    m_blockFile.assign(m_config.blockCount, -1);
+    m_blockMarked.assign(m_config.blockCount, false);
+    m_freeBlocks = m_config.blockCount;
+    for (const char* name : kOperationNames) m_calls[name] = 0;
+}
+
+void CSimDevice::CountCall(const char* operation) {
+    auto it = m_calls.find(std::string_view(operation));
+    if (it != m_calls.end()) ++it->second;
+    ++m_totalCalls;
+}
+
+bool CSimDevice::CheckFault(const char* operation, int32_t* code) {
+    CountCall(operation);
+    uint64_t call = m_calls.find(std::string_view(operation))->second;
+    auto range = m_faults.equal_range(std::string_view(operation));
+    for (auto it = range.first; it != range.second; ++it) {
+        if (it->second.atCall == call) {
+            *code = it->second.code;
+            m_faults.erase(it);
+            return true;
+        }
+    }
+    return false;
+}
+
+// --- host-only slots -----------------------------------------------------------
+
+#define OND_SIM_RESERVED(name)                  \
+    int32_t CSimDevice::name() {                \
+        std::lock_guard<std::mutex> g(m_mutex); \
+        CountCall(#name);                       \
+        return SIMDEV_ERR_NOTSUPPORTED;         \
+    }
+OND_SIM_RESERVED(Reserved00)
+OND_SIM_RESERVED(Reserved01)
+OND_SIM_RESERVED(Reserved02)
+OND_SIM_RESERVED(Reserved03)
+OND_SIM_RESERVED(Reserved04)
+OND_SIM_RESERVED(Reserved05)
+OND_SIM_RESERVED(Reserved06)
+OND_SIM_RESERVED(Reserved07)
+OND_SIM_RESERVED(Reserved08)
+OND_SIM_RESERVED(Reserved09)
+OND_SIM_RESERVED(Reserved12)
+OND_SIM_RESERVED(Reserved14)
+OND_SIM_RESERVED(Reserved16)
+OND_SIM_RESERVED(Reserved17)
+OND_SIM_RESERVED(Reserved18)
+OND_SIM_RESERVED(Reserved21)
+OND_SIM_RESERVED(Reserved22)
+OND_SIM_RESERVED(Reserved24)
+OND_SIM_RESERVED(Reserved26)
+#undef OND_SIM_RESERVED
+
+// --- lock and state ---------------------------------------------------------------
+
+int32_t CSimDevice::Lock(void* owner, uint32_t timeoutMs) {
+    try {
+        std::unique_lock<std::mutex> guard(m_mutex);
+        int32_t code = 0;
+        if (CheckFault("Lock", &code)) return code;
+        if (owner == nullptr) return SIMDEV_ERR_BADARGUMENT;  // null means "unlocked"
+        auto available = [&] { return m_lockOwner == nullptr || m_lockOwner == owner; };
+        if (!available()) {
+            if (timeoutMs == 0) return SIMDEV_ERR_LOCKED;
+            if (timeoutMs == kWaitForever) {
+                m_lockFree.wait(guard, available);
+            } else if (!m_lockFree.wait_for(guard, std::chrono::milliseconds(timeoutMs),
+                                            available)) {
+                return SIMDEV_ERR_LOCKED;
+            }
+        }
+        m_lockOwner = owner;
+        ++m_lockCount;
+        return SIMDEV_ERR_NONE;
+    } catch (...) {
+        return SIMDEV_ERR_INTERNAL;
+    }
+}
+
+void CSimDevice::Unlock(void* owner) {
+    bool released = false;
+    {
+        std::lock_guard<std::mutex> g(m_mutex);
+        CountCall("Unlock");
+        if (owner == nullptr || owner != m_lockOwner) return;  // not the holder: ignored
+        if (--m_lockCount == 0) {
+            m_lockOwner = nullptr;
+            released = true;
+        }
+    }
+    if (released) m_lockFree.notify_all();
+}
+
+uint32_t CSimDevice::GetState() {
+    std::lock_guard<std::mutex> g(m_mutex);
+    CountCall("GetState");
+    return m_state;
+}
+
+// --- controls ---------------------------------------------------------------------
+
+void CSimDevice::SetState(uint32_t state) {
+    std::lock_guard<std::mutex> g(m_mutex);
+    m_state = state;
+}
+
+void CSimDevice::SetLoopback(bool on) {
+    std::lock_guard<std::mutex> g(m_mutex);
+    m_config.loopback = on;
+}
+
+bool CSimDevice::InjectFault(const std::string& operation, uint32_t k, int32_t code) {
+    bool faultable = false;
+    for (const char* name : kFaultableNames)
+        if (operation == name) faultable = true;
+    if (!faultable || k == 0) return false;
+    std::lock_guard<std::mutex> g(m_mutex);
+    uint64_t now = m_calls.find(operation)->second;
+    m_faults.emplace(operation, TFault{now + k, code});
+    return true;
+}
+
+void CSimDevice::ClearFaults() {
+    std::lock_guard<std::mutex> g(m_mutex);
+    m_faults.clear();
+}
+
+void* CSimDevice::LockOwner() {
+    std::lock_guard<std::mutex> g(m_mutex);
+    return m_lockOwner;
+}
+
+uint32_t CSimDevice::LockCount() {
+    std::lock_guard<std::mutex> g(m_mutex);
+    return m_lockCount;
+}
+
+uint64_t CSimDevice::CallCount(const std::string& operation) {
+    std::lock_guard<std::mutex> g(m_mutex);
+    auto it = m_calls.find(operation);
+    return it == m_calls.end() ? 0 : it->second;
+}
+
+uint64_t CSimDevice::TotalCallCount() {
+    std::lock_guard<std::mutex> g(m_mutex);
+    return m_totalCalls;
+}

@@ -1,0 +1,94 @@
+// The simulated device's byte link: Transmit, Receive and the loopback queue.
+#include <algorithm>
+#include <cstring>
+#include <new>
+
+#include "host/sim/SimDevice.h"
+
+namespace {
+
+// Below this much consumed data the front of the queue is never cut off.
+const size_t kCompactThreshold = 64 * 1024;
+// A drained queue larger than this gives its memory back.
+const size_t kKeepCapacity = 1024 * 1024;
+
+}  // namespace
+
+void CSimDevice::AppendReceive(const char* data, size_t length) {
+    if (m_receiveOffset == m_receiveQueue.size()) {
+        m_receiveQueue.clear();
+        m_receiveOffset = 0;
+    }
+    m_receiveQueue.append(data, length);
+}
+
+int32_t CSimDevice::Transmit(const char* data, uint64_t length, uint64_t* written) {
+    try {
+        std::lock_guard<std::mutex> g(m_mutex);
+        if (written) *written = 0;
+        int32_t code = 0;
+        if (CheckFault("Transmit", &code)) return code;
+        if (data == nullptr && length != 0) return SIMDEV_ERR_BADARGUMENT;
+        if (!IsOpen()) return SIMDEV_ERR_CLOSED;
+        if (length > m_transmitted.max_size()) return SIMDEV_ERR_NOMEMORY;
+        m_transmitted.append(data, static_cast<size_t>(length));
+        if (m_config.loopback) AppendReceive(data, static_cast<size_t>(length));
+        if (written) *written = length;
+        return SIMDEV_ERR_NONE;
+    } catch (const std::bad_alloc&) {
+        return SIMDEV_ERR_NOMEMORY;
+    } catch (...) {
+        return SIMDEV_ERR_INTERNAL;
+    }
+}
+
+int32_t CSimDevice::Receive(char* buffer, uint32_t bufferSize, uint64_t* received) {
+    try {
+        std::lock_guard<std::mutex> g(m_mutex);
+        if (received) *received = 0;
+        int32_t code = 0;
+        if (CheckFault("Receive", &code)) return code;
+        if (received == nullptr || (buffer == nullptr && bufferSize != 0))
+            return SIMDEV_ERR_BADARGUMENT;
+        if (!IsOpen()) return SIMDEV_ERR_CLOSED;
+        size_t count = std::min<size_t>(m_receiveQueue.size() - m_receiveOffset, bufferSize);
+        if (count != 0) std::memcpy(buffer, m_receiveQueue.data() + m_receiveOffset, count);
+        m_receiveOffset += count;
+        if (m_receiveOffset == m_receiveQueue.size()) {
+            if (m_receiveQueue.capacity() > kKeepCapacity)
+                std::string().swap(m_receiveQueue);
+            else
+                m_receiveQueue.clear();
+            m_receiveOffset = 0;
+        } else if (m_receiveOffset >= kCompactThreshold &&
+                   m_receiveOffset >= m_receiveQueue.size() - m_receiveOffset) {
+            // Cutting only once the consumed part outweighs the rest keeps the
+            // copying linear in the bytes received.
+            m_receiveQueue.erase(0, m_receiveOffset);
+            m_receiveOffset = 0;
+        }
+        *received = count;
+        return SIMDEV_ERR_NONE;
+    } catch (const std::bad_alloc&) {
+        return SIMDEV_ERR_NOMEMORY;
+    } catch (...) {
+        return SIMDEV_ERR_INTERNAL;
+    }
+}
+
+void CSimDevice::PreloadReceive(const std::string& bytes) {
+    std::lock_guard<std::mutex> g(m_mutex);
+    AppendReceive(bytes.data(), bytes.size());
+}
+
+std::string CSimDevice::TakeTransmitted() {
+    std::lock_guard<std::mutex> g(m_mutex);
+    std::string taken;
+    taken.swap(m_transmitted);
+    return taken;
+}
+
+size_t CSimDevice::PendingReceive() {
+    std::lock_guard<std::mutex> g(m_mutex);
+    return m_receiveQueue.size() - m_receiveOffset;
+}
