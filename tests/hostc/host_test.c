@@ -1,0 +1,245 @@
+/* A host written in plain C: it loads OndDeviceClient.dll with LoadLibrary,
+   finds the five exports with GetProcAddress and uses the objects only
+   through their tables of operations, by slot index, as a host built with
+   another compiler does. */
+#include <windows.h>
+
+#include <stdint.h>
+#include <stdio.h>
+#include <string.h>
+
+#include "c_channel.h"
+
+static int passed, failed;
+
+#define CHECK(cond)                                                    \
+    do {                                                               \
+        if (cond) {                                                    \
+            ++passed;                                                  \
+        } else {                                                       \
+            ++failed;                                                  \
+            printf("FAILED %s:%d: %s\n", __FILE__, __LINE__, #cond);   \
+        }                                                              \
+    } while (0)
+
+/* The exports. */
+typedef uint32_t (*FnGetNumObj)(void);
+typedef uint32_t (*FnGetObjType)(uintptr_t index);
+typedef uintptr_t (*FnGetObjInfo)(uint32_t type, uint32_t what);
+typedef void* (*FnCreateInstance)(uint32_t type);
+typedef void (*FnDeleteInstance)(void* object);
+
+/* Slots of CONXDeviceClient_0, then of the CONXDeviceClient base. */
+enum {
+    SLOT_GETOBJTYPE, SLOT_GETPARAM, SLOT_SETPARAM, SLOT_GETPARAMLIMITS, SLOT_CONNECT,
+    SLOT_CALL, SLOT_SHOWDIALOG, SLOT_CLOSEDIALOG, SLOT_ISDIALOGOPEN, SLOT_SETDLGEVENTDATA,
+    SLOT_CREATENEWDIALOG, SLOT_DELETEDIALOG, SLOT_SIGNALDLGEVENT
+};
+
+typedef struct { void* const* vtbl; } Object;
+#define SLOT(obj, n) (((Object*)(obj))->vtbl[n])
+
+typedef uint32_t (*FnObjType)(void*);
+typedef int32_t (*FnGetParam)(void*, uint32_t, uint64_t*, uint64_t*, uint64_t*, uint64_t*);
+typedef int32_t (*FnSetParam)(void*, uint32_t, uint64_t, uint64_t, uint64_t, uint64_t);
+typedef int32_t (*FnGetParamLimits)(void*, uint32_t, uint64_t*, uint64_t*, uint64_t*, uint64_t*,
+                                    uint64_t*, uint64_t*, uint64_t*, uint64_t*);
+typedef uint32_t (*FnConnect)(void*, void*);
+typedef uint32_t (*FnCall)(void*, uint32_t, uint64_t, uint64_t, uint64_t, uint64_t);
+typedef uint32_t (*FnShow)(void*, HWND);
+typedef uint32_t (*FnClose)(void*);
+typedef int32_t (*FnIsOpen)(void*);
+typedef uint32_t (*FnSignal)(void*, uint32_t);
+
+typedef struct {
+    uint32_t (*callback)(void* client, void* userData, uint32_t event);
+    void* userData;
+    HWND hWnd;
+    uint32_t uMsg;
+    uint32_t threadId;
+    uint32_t threadMsg;
+} DlgEventData;
+typedef void (*FnSetDlgEventData)(void*, DlgEventData*);
+
+static FnGetNumObj GetNumObj;
+static FnGetObjType GetObjType;
+static FnGetObjInfo GetObjInfo;
+static FnCreateInstance CreateInstance;
+static FnDeleteInstance DeleteInstance;
+
+static void TestExports(void) {
+    CHECK(GetNumObj() == 3);
+    CHECK(GetObjType(0) == 0x1000);
+    CHECK(GetObjType(1) == 0x1001);
+    CHECK(GetObjType(2) == 0x1002);
+    CHECK(GetObjType(3) == 0xFFFFFFFFu);
+    CHECK(GetObjType((uintptr_t)-1) == 0xFFFFFFFFu);
+    CHECK(strcmp((const char*)GetObjInfo(0x1000, 0), "Terminal") == 0);
+    CHECK(strcmp((const char*)GetObjInfo(0x1001, 0), "File Manager") == 0);
+    CHECK(strcmp((const char*)GetObjInfo(0x1002, 0), "Script Processor") == 0);
+    CHECK(GetObjInfo(0x1001, 1) == 1);
+    CHECK(GetObjInfo(0x1001, 2) == 0);
+    CHECK(GetObjInfo(0x0FFF, 0) == 0);
+    CHECK(CreateInstance(0x0FFF) == NULL);
+    DeleteInstance(NULL);
+}
+
+static void TestCommonSlots(uint32_t type) {
+    void* obj = CreateInstance(type);
+    CHECK(obj != NULL);
+    if (!obj) return;
+    CHECK(((FnObjType)SLOT(obj, SLOT_GETOBJTYPE))(obj) == type);
+
+    uint64_t v[8] = {5, 5, 5, 5, 5, 5, 5, 5};
+    CHECK(((FnGetParam)SLOT(obj, SLOT_GETPARAM))(obj, 1, &v[0], &v[1], &v[2], &v[3]) == -1);
+    CHECK(((FnSetParam)SLOT(obj, SLOT_SETPARAM))(obj, 1, 1, 2, 3, 4) == -1);
+    CHECK(((FnGetParamLimits)SLOT(obj, SLOT_GETPARAMLIMITS))(obj, 1, &v[0], &v[1], &v[2], &v[3],
+                                                            &v[4], &v[5], &v[6], &v[7]) == -1);
+    CHECK(v[0] == 5 && v[7] == 5);
+
+    CChannel channel;
+    CChannelInit(&channel);
+    CHECK(((FnConnect)SLOT(obj, SLOT_CONNECT))(obj, &channel) == 0);
+    if (type != 0x1002)
+        CHECK(((FnCall)SLOT(obj, SLOT_CALL))(obj, 0x1000, 1, 2, 3, 4) == 0);
+    CHECK(channel.callCount == 0);  /* nothing above talks to the device */
+
+    /* No window yet: closing fails with 17 and nothing is open. */
+    CHECK(((FnClose)SLOT(obj, SLOT_CLOSEDIALOG))(obj) == 17);
+    CHECK(((FnIsOpen)SLOT(obj, SLOT_ISDIALOGOPEN))(obj) == 0);
+    CHECK(((FnConnect)SLOT(obj, SLOT_CONNECT))(obj, NULL) == 0);
+    DeleteInstance(obj);
+}
+
+/* --- dialog-event routes, through the protected slot SignalDlgEvent --- */
+
+static struct {
+    int calls;
+    void* client;
+    void* userData;
+    uint32_t event;
+} callbackLog;
+static struct {
+    int calls;
+    WPARAM wParam;
+    LPARAM lParam;
+} windowLog;
+
+static uint32_t EventCallback(void* client, void* userData, uint32_t event) {
+    callbackLog.calls++;
+    callbackLog.client = client;
+    callbackLog.userData = userData;
+    callbackLog.event = event;
+    return 9;
+}
+
+#define EVENT_WINDOW_MSG (WM_APP + 7)
+#define EVENT_THREAD_MSG (WM_APP + 8)
+
+static LRESULT CALLBACK EventWindowProc(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lParam) {
+    if (msg == EVENT_WINDOW_MSG) {
+        windowLog.calls++;
+        windowLog.wParam = wParam;
+        windowLog.lParam = lParam;
+        return 5;
+    }
+    return DefWindowProcA(hwnd, msg, wParam, lParam);
+}
+
+static int TakeThreadMessage(void* client, uint32_t event) {
+    MSG msg;
+    int found = 0;
+    while (PeekMessageA(&msg, (HWND)-1, EVENT_THREAD_MSG, EVENT_THREAD_MSG, PM_REMOVE))
+        if (msg.wParam == (WPARAM)client && msg.lParam == (LPARAM)event) found++;
+    return found;
+}
+
+static void TestEventRoutes(void) {
+    void* obj = CreateInstance(0x1001);
+    FnSignal signal = (FnSignal)SLOT(obj, SLOT_SIGNALDLGEVENT);
+    FnSetDlgEventData setData = (FnSetDlgEventData)SLOT(obj, SLOT_SETDLGEVENTDATA);
+
+    CHECK(signal(obj, 0) == 1); /* no route: the dialog would hide */
+
+    WNDCLASSA wc;
+    memset(&wc, 0, sizeof wc);
+    wc.lpfnWndProc = EventWindowProc;
+    wc.hInstance = GetModuleHandleA(NULL);
+    wc.lpszClassName = "OndHostEventSink";
+    RegisterClassA(&wc);
+    HWND sink = CreateWindowA("OndHostEventSink", "", 0, 0, 0, 0, 0, HWND_MESSAGE, NULL,
+                              wc.hInstance, NULL);
+    CHECK(sink != NULL);
+
+    DlgEventData data;
+    memset(&data, 0, sizeof data);
+    MSG dummy;
+    PeekMessageA(&dummy, NULL, 0, 0, PM_NOREMOVE); /* make sure this thread has a queue */
+    data.threadId = GetCurrentThreadId();
+    data.threadMsg = EVENT_THREAD_MSG;
+    setData(obj, &data);
+    CHECK(signal(obj, 1) == 0); /* a post cannot answer */
+    CHECK(TakeThreadMessage(obj, 1) == 1);
+
+    data.hWnd = sink;
+    data.uMsg = EVENT_WINDOW_MSG;
+    setData(obj, &data);
+    CHECK(signal(obj, 2) == 5); /* the window's answer */
+    CHECK(windowLog.calls == 1 && windowLog.wParam == (WPARAM)obj && windowLog.lParam == 2);
+    CHECK(TakeThreadMessage(obj, 2) == 1); /* still posted too */
+
+    data.callback = EventCallback;
+    data.userData = &callbackLog;
+    setData(obj, &data);
+    memset(&data, 0, sizeof data); /* the module keeps a copy */
+    CHECK(signal(obj, 0) == 9);    /* all three fire; the callback decides */
+    CHECK(callbackLog.calls == 1 && callbackLog.client == obj &&
+          callbackLog.userData == &callbackLog && callbackLog.event == 0);
+    CHECK(windowLog.calls == 2);
+    CHECK(TakeThreadMessage(obj, 0) == 1);
+
+    DestroyWindow(sink);
+    DeleteInstance(obj);
+}
+
+/* An object the module did not make answers another type and is left alone. */
+static int foreignTouched;
+static uint32_t ForeignType(void* self) { (void)self; return 0x2000; }
+static void ForeignOther(void* self) { (void)self; foreignTouched++; }
+
+static void TestForeignObjectIsNotDeleted(void) {
+    void* table[16];
+    table[0] = (void*)ForeignType;
+    for (int i = 1; i < 16; ++i) table[i] = (void*)ForeignOther;
+    Object foreign = {table};
+    DeleteInstance(&foreign);
+    CHECK(foreignTouched == 0);
+}
+
+int main(void) {
+    HMODULE dll = LoadLibraryA("OndDeviceClient.dll");
+    if (!dll) {
+        printf("FAILED: cannot load OndDeviceClient.dll (error %lu)\n", GetLastError());
+        return 1;
+    }
+    GetNumObj = (FnGetNumObj)(void*)GetProcAddress(dll, "OndDeviceClientGetNumObj");
+    GetObjType = (FnGetObjType)(void*)GetProcAddress(dll, "OndDeviceClientGetObjType");
+    GetObjInfo = (FnGetObjInfo)(void*)GetProcAddress(dll, "OndDeviceClientGetObjInfo");
+    CreateInstance = (FnCreateInstance)(void*)GetProcAddress(dll, "OndDeviceClientCreateInstance");
+    DeleteInstance = (FnDeleteInstance)(void*)GetProcAddress(dll, "OndDeviceClientDeleteInstance");
+    if (!GetNumObj || !GetObjType || !GetObjInfo || !CreateInstance || !DeleteInstance) {
+        printf("FAILED: an export is missing\n");
+        return 1;
+    }
+
+    TestExports();
+    TestCommonSlots(0x1000);
+    TestCommonSlots(0x1001);
+    TestCommonSlots(0x1002);
+    TestEventRoutes();
+    TestForeignObjectIsNotDeleted();
+
+    FreeLibrary(dll);
+    printf("%d passed, %d failed\n", passed, failed);
+    return failed != 0;
+}
