@@ -1,0 +1,135 @@
+// Progress reporting of the simulated device's transfers, and aborts.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "host/sim/SimDevice.h"
+
+namespace {
+
+struct TRecorder {
+    std::vector<uint32_t> steps;
+    std::vector<std::thread::id> threads;
+    uint32_t abortAt = 0xFFFFFFFF;
+    CSimDevice* device = nullptr;  // when set, the callback talks to the channel
+    uint32_t closeAt = 0xFFFFFFFF;
+};
+
+int32_t Record(void* context, uint32_t stepsDone) {
+    auto* r = static_cast<TRecorder*>(context);
+    r->steps.push_back(stepsDone);
+    r->threads.push_back(std::this_thread::get_id());
+    if (r->device) {
+        // Re-entering the channel from the callback must not deadlock.
+        r->device->GetState();
+        r->device->GetInfoString(ONDCOMM_INFO_ERRORTEXT, SIMDEV_ERR_ABORTED);
+        if (stepsDone == r->closeAt) r->device->SetState(2);
+    }
+    return stepsDone == r->abortAt ? 1 : 0;
+}
+
+std::vector<uint32_t> Upto(uint32_t last) {
+    std::vector<uint32_t> v;
+    for (uint32_t i = 0; i <= last; ++i) v.push_back(i);
+    return v;
+}
+
+int32_t Send(CSimDevice& dev, uint8_t id, const std::string& data, TRecorder* rec,
+             uint32_t steps) {
+    return dev.TransmitFileFromMemory(data.data(), data.size(), id, 1, 0, Record, rec,
+                                      ONDCOMM_TRANSFER_FLAG, steps);
+}
+
+}  // namespace
+
+TEST(SimProgress, ReportsEveryStepFromZeroInclusiveOnTheCallingThread) {
+    CSimDevice dev;
+    TRecorder rec;
+    ASSERT_EQ(Send(dev, 1, "payload", &rec, ONDCOMM_STEPS_SCRIPT), 0);
+    EXPECT_EQ(rec.steps, Upto(40));
+    for (std::thread::id id : rec.threads) EXPECT_EQ(id, std::this_thread::get_id());
+    TRecorder one;
+    ASSERT_EQ(Send(dev, 2, "", &one, 1), 0);
+    EXPECT_EQ(one.steps, Upto(1));
+}
+
+TEST(SimProgress, CallbackMayUseTheChannel) {
+    CSimDevice dev;
+    TRecorder rec;
+    rec.device = &dev;
+    ASSERT_EQ(Send(dev, 1, "abc", &rec, ONDCOMM_STEPS_FILEMANAGER), 0);
+    EXPECT_EQ(rec.steps.size(), 101u);
+    EXPECT_TRUE(dev.GetStoredFile(1, nullptr));
+}
+
+TEST(SimProgress, AbortStopsAtOnceAndStoresNothing) {
+    CSimDevice dev;
+    ASSERT_EQ(dev.TransmitFileFromMemory("old", 3, 1, 4, 0, nullptr, nullptr, 1, 40), 0);
+    uint32_t free = dev.FreeBlocks();
+    TRecorder rec;
+    rec.abortAt = 5;
+    EXPECT_EQ(Send(dev, 1, std::string(10000, 'n'), &rec, 40), SIMDEV_ERR_ABORTED);
+    EXPECT_EQ(rec.steps, Upto(5));
+    CSimDevice::TStoredFile kept;
+    ASSERT_TRUE(dev.GetStoredFile(1, &kept));
+    EXPECT_EQ(kept.data, "old");
+    EXPECT_EQ(kept.fileType, 4);
+    EXPECT_EQ(dev.FreeBlocks(), free);
+
+    TRecorder first;
+    first.abortAt = 0;
+    EXPECT_EQ(Send(dev, 2, "x", &first, 40), SIMDEV_ERR_ABORTED);
+    EXPECT_EQ(first.steps, Upto(0));
+    EXPECT_FALSE(dev.GetStoredFile(2, nullptr));
+}
+
+TEST(SimProgress, AbortOfALocalFileAndOfAProgram) {
+    CSimDevice dev;
+    std::string path = ::testing::TempDir() + "sim_progress_local.bin";
+    FILE* f = fopen(path.c_str(), "wb");
+    ASSERT_NE(f, nullptr);
+    fputs("content", f);
+    fclose(f);
+    TRecorder rec;
+    rec.abortAt = 40;  // even the very last step can abort
+    EXPECT_EQ(dev.TransmitFile(path.c_str(), 3, 0, 0, Record, &rec, 1, 40), SIMDEV_ERR_ABORTED);
+    EXPECT_EQ(rec.steps, Upto(40));
+    EXPECT_FALSE(dev.GetStoredFile(3, nullptr));
+    TRecorder prog;
+    prog.abortAt = 2;
+    EXPECT_EQ(dev.TransmitFile(path.c_str(), 3, 0, SIMDEV_MODE_PROGRAM, Record, &prog, 1, 40),
+              SIMDEV_ERR_ABORTED);
+    remove(path.c_str());
+    EXPECT_FALSE(dev.HasProgram());
+}
+
+TEST(SimProgress, RefusedTransfersReportNoProgress) {
+    CSimDevice::TConfig small;
+    small.blockCount = 2;
+    small.blockSize = 4;
+    CSimDevice dev(small);
+    TRecorder full;
+    EXPECT_EQ(Send(dev, 1, "123456789", &full, 40), SIMDEV_ERR_STORAGEFULL);
+    TRecorder missing;
+    EXPECT_EQ(dev.TransmitFile("no\\such\\dir\\file.bin", 1, 0, 0, Record, &missing, 1, 40),
+              SIMDEV_ERR_LOCALFILE);
+    TRecorder zero;
+    EXPECT_EQ(Send(dev, 1, "1", &zero, 0), SIMDEV_ERR_BADARGUMENT);
+    EXPECT_TRUE(full.steps.empty());
+    EXPECT_TRUE(missing.steps.empty());
+    EXPECT_TRUE(zero.steps.empty());
+    EXPECT_EQ(dev.FreeBlocks(), 2u);
+}
+
+TEST(SimProgress, ClosingDuringATransferFailsIt) {
+    CSimDevice dev;
+    TRecorder rec;
+    rec.device = &dev;
+    rec.closeAt = 10;
+    EXPECT_EQ(Send(dev, 1, "data", &rec, 40), SIMDEV_ERR_CLOSED);
+    dev.SetState(1);
+    EXPECT_FALSE(dev.GetStoredFile(1, nullptr));
+}
