@@ -1,0 +1,58 @@
+// dcsmini: runs one .dcs file with the engine's test "print" only; output on
+// stdout, exit status = the script's result code (low 8 bits; 0 = success).
+// The script runs on a 64 KiB thread, as in the Script Processor.
+#include <cstdio>
+#include <string>
+
+#include "os/Platform.h"
+#include "script/ScriptRun.h"
+#include "script/ScriptTestPrint.h"
+
+namespace {
+
+struct TJOB {
+    const std::string* text;
+    std::string directory;
+    uint32_t code;
+};
+
+void Write(void*, const char* text) { fputs(text, stdout); }
+
+void Main(void* p) {
+    TJOB* job = static_cast<TJOB*>(p);
+    CONXScriptRunContext context;
+    context.m_sysFuncFactories.push_back(ScriptTestPrintFactory);
+    job->code = RunScript(&context, nullptr, job->text->c_str(), job->directory.c_str(), nullptr,
+                          nullptr, nullptr, Write, nullptr, nullptr);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 2) {
+        fprintf(stderr, "usage: dcsmini FILE.dcs\n");
+        return 2;
+    }
+    FILE* f = fopen(argv[1], "rb");
+    if (!f) {
+        fprintf(stderr, "dcsmini: cannot open %s\n", argv[1]);
+        return 2;
+    }
+    std::string text;
+    char buffer[65536];
+    size_t n;
+    while ((n = fread(buffer, 1, sizeof buffer, f)) > 0) text.append(buffer, n);
+    fclose(f);
+    std::string path = argv[1];
+    size_t cut = path.find_last_of("/\\");
+    TJOB job = {&text, cut == std::string::npos ? std::string(".") : path.substr(0, cut), 0};
+    COsThread thread;
+    if (!thread.Start(65536, Main, &job)) {
+        fprintf(stderr, "dcsmini: cannot start the script thread\n");
+        return 2;
+    }
+    thread.Join();
+    fflush(stdout);
+    uint32_t code = job.code & 0x0FFFFFFF;
+    return code > 255 ? 255 : (int)code;
+}

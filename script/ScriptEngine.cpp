@@ -1,0 +1,324 @@
+// The execution engine: bodies, statements, calls. Each statement is read
+// again from its source offset every time it runs.
+#include <cinttypes>
+#include <cstdio>
+
+#include "os/Platform.h"
+#include "script/ScriptErrors.h"
+#include "script/ScriptExec.h"
+#include "script/ScriptRun.h"
+
+namespace {
+
+inline bool IsPunct(const TSCRIPTTOKEN* t, char c) {
+    return t->kind == SCRIPT_TOK_PUNCT && t->punct == c;
+}
+inline uint32_t OpClass(const TSCRIPTTOKEN* t) {
+    return (t->kind == SCRIPT_TOK_OP && t->op >= 0) ? g_ScriptOperators[t->op].opClass : 0;
+}
+uint32_t ExpectPunct(CONXScriptCursor* cursor, char c) {
+    const TSCRIPTTOKEN* t = cursor->Next();
+    if (t->error) return t->error;
+    return IsPunct(t, c) ? 0 : SCRIPT_ERR_UNEXPECTEDTOKEN;
+}
+
+// The "@N<offset>" object of an if or while statement, found once per token.
+CONXScriptFunc* StatementObject(CONXScriptFunc* scope, TSCRIPTTOKEN* keyword, uint64_t offset,
+                                uint32_t kind) {
+    CONXScriptObject* object;
+    if (keyword->cacheScope == scope) {
+        object = keyword->cacheObject;
+    } else {
+        char name[32];
+        snprintf(name, sizeof name, "@N%" PRIu64, offset);
+        if (scope->FindName(name, nullptr, &object) < 0) object = nullptr;
+        keyword->cacheScope = scope;
+        keyword->cacheObject = object;
+    }
+    if (!object || object->GetObjectKind() != kind) return nullptr;
+    return static_cast<CONXScriptFunc*>(object);
+}
+
+// Reads "( condition )" into a numeric value.
+uint32_t Condition(CONXScriptExecContext* context, CONXScriptFunc* scope, uint64_t* value) {
+    uint32_t err;
+    if ((err = ExpectPunct(context, '('))) return err;
+    CONXScriptScope guard(context);
+    CONXScriptVariable* condition = context->vars.Push();
+    if ((err = scope->EvaluateExpression(context, condition))) return err;
+    if (!ScriptTypeIsNumeric(condition->Type())) return SCRIPT_ERR_TYPE;
+    *value = condition->Number();
+    return ExpectPunct(context, ')');
+}
+
+}  // namespace
+
+void CONXScriptVarStack::PopTo(size_t mark) {
+    while (m_top > mark) {
+        m_top--;
+        m_chunks[m_top / kChunk][m_top % kChunk].Reset();
+    }
+}
+
+CONXScriptObject* ScriptResolveName(CONXScriptFunc* scope, TSCRIPTTOKEN* token) {
+    CONXScriptObject* object;
+    if (token->cacheScope == scope) {
+        object = token->cacheObject;
+    } else {
+        // Names are resolved against the complete lists of the running scope.
+        if (scope->FindName(token->text.c_str(), nullptr, &object) < 0) object = nullptr;
+        token->cacheScope = scope;
+        token->cacheObject = object;
+    }
+    if (!object) return nullptr;
+    switch (object->KindTag()) {
+    case SCRIPT_OBJ_TEMPLATE:
+        return static_cast<CONXScriptVarTemplate*>(object)->m_pCurrent;
+    case SCRIPT_OBJ_FUNCTION: {
+        CONXScriptFunc* f = static_cast<CONXScriptFunc*>(object);
+        return f->m_isParameter ? f->m_pBound : f;
+    }
+    default:
+        return object;
+    }
+}
+
+uint32_t CONXScriptFunc::EnterBody(CONXScriptExecContext* context, const TSCRIPTSTMTLIST& statements) {
+    if (context->StackLow()) return SCRIPT_ERR_OUTOFMEMORY;
+    CONXScriptScope guard(context);
+    // Every entry starts the body's declarations afresh, wherever they stand in it.
+    for (CONXScriptObject* local : m_locals) {
+        if (local->KindTag() != SCRIPT_OBJ_TEMPLATE) continue;
+        CONXScriptVarTemplate* tmpl = static_cast<CONXScriptVarTemplate*>(local);
+        CONXScriptVariable* v = context->vars.Push();
+        v->InitFast(tmpl);
+        context->Bind(&tmpl->m_pCurrent, v);
+    }
+    for (uint64_t offset : statements) {
+        uint32_t err = ExecuteStatement(context, offset);
+        if (err) return err;
+    }
+    return 0;
+}
+
+uint32_t CONXScriptFunc::ExecuteBody(CONXScriptExecContext* context) {
+    if (m_pDelegate) return m_pDelegate->ExecuteBody(context);
+    return EnterBody(context, m_statements);
+}
+
+uint32_t CONXScriptIfStatement::ExecuteElse(CONXScriptExecContext* context) {
+    return EnterBody(context, m_elseStatements);
+}
+
+uint32_t CONXScriptFunc::ExecuteStatement(CONXScriptExecContext* context, uint64_t offset) {
+    if (m_pDelegate) return m_pDelegate->ExecuteStatement(context, offset);
+    if (context->Step()) return SCRIPT_ERR_ABORTED;
+    context->position = offset;
+    TSCRIPTTOKEN* t = context->Next();
+    if (t->error) return t->error;
+    uint32_t err;
+    if (t->kind == SCRIPT_TOK_IDENT && t->keyword == SCRIPT_KW_IF) {
+        CONXScriptFunc* block = StatementObject(this, t, offset, SCRIPT_OBJ_IF);
+        if (!block) return SCRIPT_ERR_UNKNOWNIDENT;
+        uint64_t value = 0;
+        if ((err = Condition(context, this, &value))) return err;
+        if (value) return block->ExecuteBody(context);
+        return static_cast<CONXScriptIfStatement*>(block)->ExecuteElse(context);
+    }
+    if (t->kind == SCRIPT_TOK_IDENT && t->keyword == SCRIPT_KW_WHILE) {
+        CONXScriptFunc* block = StatementObject(this, t, offset, SCRIPT_OBJ_WHILE);
+        if (!block) return SCRIPT_ERR_UNKNOWNIDENT;
+        uint64_t loop = context->position;
+        for (;;) {
+            // The only place where the engine itself looks at the stop request.
+            if (context->stopEvent && context->stopEvent->IsSet()) return SCRIPT_ERR_ABORTED;
+            if (context->Step()) return SCRIPT_ERR_ABORTED;
+            context->position = loop;
+            uint64_t value = 0;
+            if ((err = Condition(context, this, &value))) return err;
+            if ((err = ExpectPunct(context, '{'))) return err;
+            if (!value) return 0;
+            if ((err = block->ExecuteBody(context))) return err;
+        }
+    }
+    context->position = offset;
+    return ExecuteSimpleStatement(context);
+}
+
+uint32_t CONXScriptFunc::ExecuteSimpleStatement(CONXScriptExecContext* context) {
+    if (m_pDelegate) return m_pDelegate->ExecuteSimpleStatement(context);
+    uint64_t start = context->position;
+    TSCRIPTTOKEN* t = context->Next();
+    if (t->error) return t->error;
+    if (t->kind != SCRIPT_TOK_IDENT) return SCRIPT_ERR_UNEXPECTEDTOKEN;
+    if (t->selfScope != this) {
+        t->isSelf = ScriptNamesEqual(t->text.c_str(), m_name.c_str());
+        t->selfScope = this;
+    }
+    uint32_t err;
+    if (t->isSelf) {
+        uint64_t p = context->position;
+        const TSCRIPTTOKEN* op = context->Next();
+        if (op->error) return op->error;
+        if ((OpClass(op) & SCRIPT_OPCLASS_ASSIGN) && m_pResult) {
+            int32_t index = op->op;
+            CONXScriptScope guard(context);
+            CONXScriptVariable* value = context->vars.Push();
+            if ((err = EvaluateExpression(context, value))) return err;
+            // The function's value: its result variable.
+            return static_cast<CONXScriptVariable*>(m_pResult)->Resolved()->ApplyAssignmentOp(index, value);
+        }
+        context->position = p;
+    }
+    CONXScriptObject* object = ScriptResolveName(this, t);
+    if (!object) return SCRIPT_ERR_UNKNOWNIDENT;
+    if (object->KindTag() == SCRIPT_OBJ_VARIABLE) {
+        CONXScriptVariable* target = static_cast<CONXScriptVariable*>(object)->Resolved();
+        const TSCRIPTTOKEN* op = context->Next();
+        if (op->error) return op->error;
+        if (!(OpClass(op) & SCRIPT_OPCLASS_ASSIGN)) return SCRIPT_ERR_UNEXPECTEDTOKEN;
+        int32_t index = op->op;
+        CONXScriptScope guard(context);
+        CONXScriptVariable* value = context->vars.Push();
+        if ((err = EvaluateExpression(context, value))) return err;
+        return target->ApplyAssignmentOp(index, value);
+    }
+    // A call: evaluated as an expression whose value nobody uses.
+    context->position = start;
+    return EvaluateExpression(context, nullptr);
+}
+
+uint32_t ScriptCallFunction(CONXScriptExecContext* context, CONXScriptFunc* scope,
+                            CONXScriptFunc* callee, CONXScriptVariable* result) {
+    if (context->StackLow()) return SCRIPT_ERR_OUTOFMEMORY;
+    if (context->Step()) return SCRIPT_ERR_ABORTED;
+    uint32_t err;
+    if ((err = ExpectPunct(context, '('))) return err;
+    CONXScriptScope guard(context);
+    size_t base = context->arguments.size();
+    uint64_t p = context->position;
+    const TSCRIPTTOKEN* t = context->Next();
+    if (t->error) return t->error;
+    if (!IsPunct(t, ')')) {
+        context->position = p;
+        for (size_t i = 0;; i++) {
+            CONXScriptObject* param = callee->GetParameter(i);
+            uint32_t paramTag = param ? param->KindTag() : SCRIPT_OBJ_PLAIN;
+            p = context->position;
+            t = context->Next();
+            if (t->error) return t->error;
+            if (t->kind == SCRIPT_TOK_OP && t->op == SCRIPT_OP_AND) {
+                TSCRIPTTOKEN* nameToken = context->Next();
+                if (nameToken->error) return nameToken->error;
+                if (nameToken->kind != SCRIPT_TOK_IDENT) return SCRIPT_ERR_UNEXPECTEDTOKEN;
+                CONXScriptObject* named = ScriptResolveName(scope, nameToken);
+                if (!named) return SCRIPT_ERR_UNKNOWNIDENT;
+                if (named->KindTag() == SCRIPT_OBJ_VARIABLE) {
+                    CONXScriptVariable* v = static_cast<CONXScriptVariable*>(named);
+                    // A variable goes only to a value parameter of exactly its type
+                    // (a built-in takes it as it is).
+                    if (paramTag == SCRIPT_OBJ_TEMPLATE &&
+                        v->GetType() != static_cast<CONXScriptVarTemplate*>(param)->m_type)
+                        return SCRIPT_ERR_TYPE;
+                    if (paramTag == SCRIPT_OBJ_FUNCTION) return SCRIPT_ERR_TYPE;
+                    CONXScriptVariable* alias = context->vars.Push();
+                    alias->SetReferenceFast(v);
+                    if (param) alias->SetName(param->Name().c_str());
+                    context->arguments.push_back(alias);
+                } else if (named->KindTag() == SCRIPT_OBJ_FUNCTION) {
+                    // Calls of the parameter run the named function.
+                    if (paramTag == SCRIPT_OBJ_TEMPLATE) return SCRIPT_ERR_TYPE;
+                    context->arguments.push_back(named);
+                } else {
+                    return SCRIPT_ERR_TYPE;
+                }
+            } else {
+                context->position = p;
+                CONXScriptVariable* v = context->vars.Push();
+                if (paramTag == SCRIPT_OBJ_TEMPLATE)
+                    v->InitFast(static_cast<CONXScriptVarTemplate*>(param));
+                else if (paramTag == SCRIPT_OBJ_FUNCTION)
+                    return SCRIPT_ERR_TYPE;  // a "func" parameter takes only "&name"
+                if ((err = scope->EvaluateExpression(context, v))) return err;
+                context->arguments.push_back(v);
+            }
+            t = context->Next();
+            if (t->error) return t->error;
+            if (IsPunct(t, ')')) break;
+            if (!IsPunct(t, ',')) return SCRIPT_ERR_UNEXPECTEDTOKEN;
+        }
+    }
+    size_t count = context->arguments.size() - base;
+    if (!callee->CheckArgumentCount(count)) return SCRIPT_ERR_PARAMCOUNT;
+    // The list stays where it is while the callee runs: a user function binds
+    // its parameters before anything can push further arguments.
+    TSCRIPTARGS args;
+    args.items = context->arguments.data() + base;
+    args.count = count;
+    // The callee reads its own statements; the caller's expression goes on after the ")".
+    uint64_t resume = context->position;
+    if ((err = callee->Execute(context->run, scope, args, result))) return err;
+    context->position = resume;
+    return 0;
+}
+
+uint32_t CONXScriptFunc::Execute(CONXScriptRunContext* runContext, CONXScriptFunc* symbols,
+                                 const TSCRIPTARGS& arguments, CONXScriptVariable* result) {
+    if (m_pDelegate) return m_pDelegate->Execute(runContext, symbols, arguments, result);
+    CONXScriptExecContext* context = runContext ? runContext->m_pExec : nullptr;
+    if (!context) return SCRIPT_ERR_SYSFUNC;
+    if (context->StackLow()) return SCRIPT_ERR_OUTOFMEMORY;
+    if (arguments.size() != m_params.size()) return SCRIPT_ERR_PARAMCOUNT;
+    CONXScriptScope guard(context);
+    for (size_t i = 0; i < m_params.size(); i++) {
+        CONXScriptObject* param = m_params[i];
+        CONXScriptObject* arg = arguments[i];
+        if (param->KindTag() == SCRIPT_OBJ_TEMPLATE) {
+            if (arg->KindTag() != SCRIPT_OBJ_VARIABLE) return SCRIPT_ERR_TYPE;
+            context->Bind(&static_cast<CONXScriptVarTemplate*>(param)->m_pCurrent, arg);
+        } else {
+            if (arg->KindTag() != SCRIPT_OBJ_FUNCTION) return SCRIPT_ERR_TYPE;
+            context->Bind(&static_cast<CONXScriptFunc*>(param)->m_pBound, arg);
+        }
+    }
+    if (!result) result = context->vars.Push();  // the value goes nowhere
+    context->Bind(&m_pResult, result);
+    return EnterBody(context, m_statements);
+}
+
+uint32_t CONXScriptFunc::ExecuteFunction(CONXScriptExecContext* context, const char* name,
+                                         const TSCRIPTARGS& arguments, CONXScriptVariable* result) {
+    if (m_pDelegate) return m_pDelegate->ExecuteFunction(context, name, arguments, result);
+    CONXScriptObject* object = nullptr;
+    if (FindName(name, nullptr, &object) < 0 || object->KindTag() != SCRIPT_OBJ_FUNCTION)
+        return SCRIPT_ERR_UNKNOWNIDENT;
+    CONXScriptFunc* f = static_cast<CONXScriptFunc*>(object);
+    if (!f->CheckArgumentCount(arguments.size())) return SCRIPT_ERR_PARAMCOUNT;
+    CONXScriptScope guard(context);
+    // The program's own variables exist (at zero) while the function runs;
+    // its main statements do not run.
+    for (CONXScriptObject* local : m_locals) {
+        if (local->KindTag() != SCRIPT_OBJ_TEMPLATE) continue;
+        CONXScriptVarTemplate* tmpl = static_cast<CONXScriptVarTemplate*>(local);
+        CONXScriptVariable* v = context->vars.Push();
+        v->InitFast(tmpl);
+        context->Bind(&tmpl->m_pCurrent, v);
+    }
+    size_t base = context->arguments.size();
+    for (size_t i = 0; i < arguments.size(); i++) {
+        CONXScriptObject* param = f->GetParameter(i);
+        CONXScriptObject* arg = arguments[i];
+        if (!param || param->KindTag() != SCRIPT_OBJ_TEMPLATE || arg->KindTag() != SCRIPT_OBJ_VARIABLE)
+            return SCRIPT_ERR_TYPE;
+        // Passed by value, converted to the declared type.
+        CONXScriptVariable* v = context->vars.Push();
+        v->InitFast(static_cast<CONXScriptVarTemplate*>(param));
+        uint32_t err = v->AssignFast(static_cast<CONXScriptVariable*>(arg)->Resolved());
+        if (err) return err;
+        context->arguments.push_back(v);
+    }
+    TSCRIPTARGS args;
+    args.items = context->arguments.data() + base;
+    args.count = arguments.size();
+    return f->Execute(context->run, this, args, result);
+}

@@ -1,0 +1,80 @@
+// Running a script: what embedding code needs (the Script Processor, hosts,
+// test drivers). Kept small and free of platform headers.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+class COsEvent;
+class COndDeviceComm_0;
+class CONXScriptVariable;
+class CONXScriptSysFunc;
+class CONXScriptExecContext;
+
+// All script output: a NUL-terminated 8-bit text, from the thread that runs the script.
+typedef void (*TSCRIPTOUTPUTFUNC)(void* context, const char* text);
+
+// Bounds of one run. The defaults suit the device's scripts; fuzzers and
+// embedders may tighten them.
+struct TSCRIPTLIMITS {
+    // One string's size; beyond it the operation fails with 1 "out of memory error".
+    uint64_t maxStringBytes = 64ull << 20;
+    // Bytes held by all strings of a run at one time; same error.
+    uint64_t maxTotalStringBytes = 256ull << 20;
+    // Statements, loop rounds and calls a run may execute; 0 = no limit. A run
+    // that exhausts it ends with 13 "Processing aborted", as on a stop request.
+    uint64_t maxSteps = 0;
+    // Stack bytes kept free below the deepest nesting for the error path, the
+    // built-ins and the output function. Deeper nesting (recursion, parentheses,
+    // blocks) ends the run with 1 "out of memory error".
+    uint32_t stackReserveBytes = 12u << 10;
+};
+
+// What a built-in is constructed with at the start of each run.
+struct TSCRIPTSYSFUNCENV {
+    TSCRIPTOUTPUTFUNC output;
+    void* outputContext;
+    COndDeviceComm_0* channel;
+};
+// Appends the built-ins it makes to functions; the run owns and deletes them.
+typedef void (*TSCRIPTSYSFUNCFACTORY)(const TSCRIPTSYSFUNCENV& env,
+                                      std::vector<CONXScriptSysFunc*>* functions);
+
+// State shared between the embedder and a running script: the stop event, the
+// base directory, the limits and the built-ins to predefine.
+class CONXScriptRunContext {
+public:
+    CONXScriptRunContext();                             // creates and owns its stop event
+    explicit CONXScriptRunContext(COsEvent* stopEvent); // shares another context's event
+    ~CONXScriptRunContext();
+    CONXScriptRunContext(const CONXScriptRunContext&) = delete;
+    CONXScriptRunContext& operator=(const CONXScriptRunContext&) = delete;
+
+    COsEvent* GetStopEvent() { return m_pStopEvent; }
+    void RequestStop();  // from any thread; the run ends at its next check
+    const std::string& GetBaseDirectory() const { return m_baseDirectory; }
+    void SetBaseDirectory(const std::string& directory) { m_baseDirectory = directory; }
+
+    TSCRIPTLIMITS m_limits;
+    std::vector<TSCRIPTSYSFUNCFACTORY> m_sysFuncFactories;  // in registration order
+    // The run in progress on this context (null between runs); for the engine.
+    CONXScriptExecContext* m_pExec = nullptr;
+
+private:
+    COsEvent* m_pStopEvent;
+    bool m_ownsEvent;
+    std::string m_baseDirectory;
+};
+
+// Runs a script text. scriptDirectory null or empty: the current directory.
+// externals: variables visible to the script that keep what it leaves in them.
+// functionName: run that function of the program with functionArguments
+// instead of the main body (sub-script calls); result receives its value.
+// Returns the script error code; on a failure (low 28 bits not zero) the
+// diagnostic line has gone to output.
+uint32_t RunScript(CONXScriptRunContext* context, COndDeviceComm_0* channel, const char* text,
+                   const char* scriptDirectory, std::vector<CONXScriptVariable*>* externals,
+                   const char* functionName,
+                   const std::vector<CONXScriptVariable*>* functionArguments,
+                   TSCRIPTOUTPUTFUNC output, void* outputContext, CONXScriptVariable* result);
