@@ -1,0 +1,126 @@
+// conformance_runner: runs every .dcs file below a folder and compares what
+// it writes with the expectation written beside it:
+//   "# expect: TEXT"     one expected output line (TEXT literally, then "\n")
+//   "# expect-code: N"   the expected result code (decimal or 0x hex; default 0)
+//   NAME.out             if present, the exact expected output instead
+// Each script gets the engine's test "print", the simulated device and its
+// own folder as base directory.
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "host/sim/SimDevice.h"
+#include "script/ScriptRun.h"
+#include "script/ScriptTestPrint.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+bool ReadFile(const fs::path& path, std::string* text) {
+    FILE* f = fopen(path.string().c_str(), "rb");
+    if (!f) return false;
+    text->clear();
+    char buffer[65536];
+    size_t n;
+    while ((n = fread(buffer, 1, sizeof buffer, f)) > 0) text->append(buffer, n);
+    fclose(f);
+    return true;
+}
+
+std::string Escape(const std::string& s) {
+    std::string out;
+    for (unsigned char c : s) {
+        if (c == '\n') out += "\\n";
+        else if (c == '\r') out += "\\r";
+        else if (c == '\t') out += "\\t";
+        else if (c == '\\') out += "\\\\";
+        else if (c < 0x20 || c >= 0x7F) {
+            char hex[8];
+            snprintf(hex, sizeof hex, "\\x%02X", c);
+            out += hex;
+        } else {
+            out += (char)c;
+        }
+    }
+    return out;
+}
+
+// The expectation written in the script's comment lines.
+void ParseExpectations(const std::string& text, std::string* output, uint32_t* code) {
+    static const std::string kExpect = "# expect:";
+    static const std::string kCode = "# expect-code:";
+    size_t pos = 0;
+    while (pos < text.size()) {
+        size_t end = text.find('\n', pos);
+        if (end == std::string::npos) end = text.size();
+        std::string line = text.substr(pos, end - pos);
+        if (!line.empty() && line.back() == '\r') line.pop_back();
+        size_t at = line.find(kCode);
+        if (at != std::string::npos) {
+            *code = (uint32_t)strtoul(line.c_str() + at + kCode.size(), nullptr, 0);
+        } else if ((at = line.find(kExpect)) != std::string::npos) {
+            std::string rest = line.substr(at + kExpect.size());
+            if (!rest.empty() && rest[0] == ' ') rest.erase(0, 1);
+            *output += rest + "\n";
+        }
+        pos = end + 1;
+    }
+}
+
+void Collect(void* context, const char* text) { static_cast<std::string*>(context)->append(text); }
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 2) {
+        fprintf(stderr, "usage: conformance_runner FOLDER\n");
+        return 2;
+    }
+    std::vector<fs::path> scripts;
+    std::error_code ec;
+    for (fs::recursive_directory_iterator it(argv[1], ec), end; !ec && it != end; it.increment(ec))
+        if (it->is_regular_file() && it->path().extension() == ".dcs") scripts.push_back(it->path());
+    if (ec) {
+        fprintf(stderr, "conformance_runner: cannot read %s\n", argv[1]);
+        return 2;
+    }
+    std::sort(scripts.begin(), scripts.end());
+    int passed = 0, failed = 0;
+    for (const fs::path& script : scripts) {
+        std::string text;
+        if (!ReadFile(script, &text)) {
+            printf("FAIL %s: cannot read\n", script.string().c_str());
+            failed++;
+            continue;
+        }
+        std::string expected;
+        uint32_t expectedCode = 0;
+        ParseExpectations(text, &expected, &expectedCode);
+        fs::path out = script;
+        out.replace_extension(".out");
+        if (fs::exists(out)) ReadFile(out, &expected);
+
+        std::string actual;
+        CSimDevice device;
+        CONXScriptRunContext context;
+        context.m_sysFuncFactories.push_back(ScriptTestPrintFactory);
+        // The module's path form: on POSIX "Z:\..." maps back to the root.
+        std::string directory = fs::absolute(script).parent_path().string();
+        uint32_t code = RunScript(&context, &device, text.c_str(), directory.c_str(), nullptr,
+                                  nullptr, nullptr, Collect, &actual, nullptr);
+        if (code == expectedCode && actual == expected) {
+            passed++;
+            continue;
+        }
+        failed++;
+        printf("FAIL %s\n", script.string().c_str());
+        printf("  expected code 0x%08X, output \"%s\"\n", expectedCode, Escape(expected).c_str());
+        printf("  actual   code 0x%08X, output \"%s\"\n", code, Escape(actual).c_str());
+    }
+    printf("%d passed, %d failed\n", passed, failed);
+    return failed ? 1 : 0;
+}
