@@ -123,6 +123,7 @@ public:
     void PreloadReceive(const std::string& bytes); // appended to the receive queue
     std::string TakeTransmitted();                 // everything sent since the last call
     size_t PendingReceive();
+    uint64_t ReceiveBytesMoved();  // copying done to cut off the consumed front
     // The k-th (1-based) future call of `operation` (its name as in the
     // interface, e.g. "Transmit") fails with `code`: it does nothing else and
     // zeroes its out-values. k counts from now. Code 0 makes that call report
@@ -201,6 +202,7 @@ private:
     // only now and then, so draining a large queue in small reads stays linear.
     std::string m_receiveQueue;
     size_t m_receiveOffset = 0;
+    uint64_t m_receiveBytesMoved = 0;  // bytes copied forward when cutting the front
     std::string m_transmitted;
     std::map<uint8_t, TFileRecord> m_files;
     bool m_hasProgram = false;

@@ -64,6 +64,7 @@ int32_t CSimDevice::Receive(char* buffer, uint32_t bufferSize, uint64_t* receive
                    m_receiveOffset >= m_receiveQueue.size() - m_receiveOffset) {
             // Cutting only once the consumed part outweighs the rest keeps the
             // copying linear in the bytes received.
+            m_receiveBytesMoved += m_receiveQueue.size() - m_receiveOffset;
             m_receiveQueue.erase(0, m_receiveOffset);
             m_receiveOffset = 0;
         }
@@ -91,4 +92,9 @@ std::string CSimDevice::TakeTransmitted() {
 size_t CSimDevice::PendingReceive() {
     std::lock_guard<std::mutex> g(m_mutex);
     return m_receiveQueue.size() - m_receiveOffset;
+}
+
+uint64_t CSimDevice::ReceiveBytesMoved() {
+    std::lock_guard<std::mutex> g(m_mutex);
+    return m_receiveBytesMoved;
 }

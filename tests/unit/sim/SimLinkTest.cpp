@@ -1,11 +1,9 @@
 // The simulated device's byte link: loopback, preloading, large queues.
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <string>
 
 #include "host/sim/SimDevice.h"
-#include "os/Platform.h"
 
 namespace {
 // Drains the receive queue in reads of `chunk` bytes.
@@ -104,23 +102,15 @@ TEST(SimLoopback, AppendingWhileHalfDrainedKeepsOrder) {
     EXPECT_EQ(DrainAll(dev, 4096), data.substr(head.size()) + "tailmore");
 }
 
-TEST(SimLoopback, LargeQueueDrainsInSmallReadsInLinearTime) {
+TEST(SimLoopback, LargeQueueDrainsInSmallReadsWithLinearCopying) {
     // 32 MiB in 4 KiB reads. Moving the rest forward on every read would copy
-    // the whole queue some 4000 times over; a linear drain costs a handful of
-    // copies. The bound is 200 copies, measured on this machine.
+    // the queue thousands of times over; cutting the consumed front only when
+    // it outweighs the rest copies less than the data itself.
     CSimDevice dev;
     const std::string data = Pattern(32u * 1024 * 1024);
-    std::string copy(data.size(), '\0');  // touched once, so no page faults below
-    uint64_t start = OsTickCount();
-    for (int i = 0; i < 10; ++i) std::memcpy(&copy[i & 1], data.data(), data.size() - 1);
-    uint64_t tenCopies = OsTickCount() - start;
-    ASSERT_EQ(copy.compare(1, data.size() - 1, data, 0, data.size() - 1), 0);
     dev.PreloadReceive(data);
-    start = OsTickCount();
     std::string back = DrainAll(dev, 4096);
-    uint64_t elapsed = OsTickCount() - start;
     EXPECT_TRUE(back == data) << "drained " << back.size() << " bytes";
-    EXPECT_LT(elapsed, 20 * tenCopies + 500)
-        << "drain took " << elapsed << " ms, ten plain copies " << tenCopies << " ms";
+    EXPECT_LE(dev.ReceiveBytesMoved(), data.size());
     EXPECT_EQ(dev.PendingReceive(), 0u);
 }
