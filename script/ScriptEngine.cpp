@@ -43,49 +43,45 @@ CONXScriptFunc* StatementObject(CONXScriptFunc* scope, TSCRIPTTOKEN* keyword, ui
 uint32_t Condition(CONXScriptExecContext* context, CONXScriptFunc* scope, uint64_t* value) {
     uint32_t err;
     if ((err = ExpectPunct(context, '('))) return err;
-    CONXScriptScope guard(context);
-    CONXScriptVariable* condition = context->vars.Push();
-    if ((err = scope->EvaluateExpression(context, condition))) return err;
+    CONXScriptVarStack::TMARK mark = context->vars.Mark();
+    CONXScriptVariable* condition;
+    if ((err = scope->EvalRef(context, &condition))) return err;
     if (!ScriptTypeIsNumeric(condition->Type())) return SCRIPT_ERR_TYPE;
     *value = condition->Number();
+    context->vars.PopTo(mark);
     return ExpectPunct(context, ')');
 }
 
 }  // namespace
 
-void CONXScriptVarStack::PopTo(size_t mark) {
-    while (m_top > mark) {
-        m_top--;
-        m_chunks[m_top / kChunk][m_top % kChunk].Reset();
+void CONXScriptVarStack::NextChunk() {
+    if (m_next != nullptr) m_chunk++;
+    if (m_chunk == m_chunks.size()) {
+        std::unique_ptr<CONXScriptVariable[]> chunk(new CONXScriptVariable[kChunk]);
+        m_chunks.push_back(chunk.get());
+        chunk.release();
     }
+    m_next = m_chunks[m_chunk];
+    m_end = m_next + kChunk;
 }
 
-CONXScriptObject* ScriptResolveName(CONXScriptFunc* scope, TSCRIPTTOKEN* token) {
+CONXScriptVarStack::~CONXScriptVarStack() {
+    for (CONXScriptVariable* chunk : m_chunks) delete[] chunk;
+}
+
+CONXScriptObject* ScriptLookUpName(CONXScriptFunc* scope, TSCRIPTTOKEN* token) {
+    // Names are resolved against the complete lists of the running scope.
     CONXScriptObject* object;
-    if (token->cacheScope == scope) {
-        object = token->cacheObject;
-    } else {
-        // Names are resolved against the complete lists of the running scope.
-        if (scope->FindName(token->text.c_str(), nullptr, &object) < 0) object = nullptr;
-        token->cacheScope = scope;
-        token->cacheObject = object;
-    }
-    if (!object) return nullptr;
-    switch (object->KindTag()) {
-    case SCRIPT_OBJ_TEMPLATE:
-        return static_cast<CONXScriptVarTemplate*>(object)->m_pCurrent;
-    case SCRIPT_OBJ_FUNCTION: {
-        CONXScriptFunc* f = static_cast<CONXScriptFunc*>(object);
-        return f->m_isParameter ? f->m_pBound : f;
-    }
-    default:
-        return object;
-    }
+    if (scope->FindName(token->text.c_str(), nullptr, &object) < 0) object = nullptr;
+    token->cacheScope = scope;
+    token->cacheObject = object;
+    return object;
 }
 
 uint32_t CONXScriptFunc::EnterBody(CONXScriptExecContext* context, const TSCRIPTSTMTLIST& statements) {
     if (context->StackLow()) return SCRIPT_ERR_OUTOFMEMORY;
-    CONXScriptScope guard(context);
+    CONXScriptVarStack::TMARK mark = context->vars.Mark();
+    size_t bindMark = context->BindMark();
     // Every entry starts the body's declarations afresh, wherever they stand in it.
     for (CONXScriptObject* local : m_locals) {
         if (local->KindTag() != SCRIPT_OBJ_TEMPLATE) continue;
@@ -95,9 +91,11 @@ uint32_t CONXScriptFunc::EnterBody(CONXScriptExecContext* context, const TSCRIPT
         context->Bind(&tmpl->m_pCurrent, v);
     }
     for (uint64_t offset : statements) {
-        uint32_t err = ExecuteStatement(context, offset);
+        uint32_t err = ExecStatement(context, offset);
         if (err) return err;
     }
+    context->UnbindTo(bindMark);
+    context->vars.PopTo(mark);
     return 0;
 }
 
@@ -112,6 +110,10 @@ uint32_t CONXScriptIfStatement::ExecuteElse(CONXScriptExecContext* context) {
 
 uint32_t CONXScriptFunc::ExecuteStatement(CONXScriptExecContext* context, uint64_t offset) {
     if (m_pDelegate) return m_pDelegate->ExecuteStatement(context, offset);
+    return ExecStatement(context, offset);
+}
+
+uint32_t CONXScriptFunc::ExecStatement(CONXScriptExecContext* context, uint64_t offset) {
     if (context->Step()) return SCRIPT_ERR_ABORTED;
     context->position = offset;
     TSCRIPTTOKEN* t = context->Next();
@@ -122,8 +124,8 @@ uint32_t CONXScriptFunc::ExecuteStatement(CONXScriptExecContext* context, uint64
         if (!block) return SCRIPT_ERR_UNKNOWNIDENT;
         uint64_t value = 0;
         if ((err = Condition(context, this, &value))) return err;
-        if (value) return block->ExecuteBody(context);
-        return static_cast<CONXScriptIfStatement*>(block)->ExecuteElse(context);
+        if (value) return block->EnterBody(context, block->m_statements);
+        return block->EnterBody(context, static_cast<CONXScriptIfStatement*>(block)->m_elseStatements);
     }
     if (t->kind == SCRIPT_TOK_IDENT && t->keyword == SCRIPT_KW_WHILE) {
         CONXScriptFunc* block = StatementObject(this, t, offset, SCRIPT_OBJ_WHILE);
@@ -138,15 +140,19 @@ uint32_t CONXScriptFunc::ExecuteStatement(CONXScriptExecContext* context, uint64
             if ((err = Condition(context, this, &value))) return err;
             if ((err = ExpectPunct(context, '{'))) return err;
             if (!value) return 0;
-            if ((err = block->ExecuteBody(context))) return err;
+            if ((err = block->EnterBody(context, block->m_statements))) return err;
         }
     }
     context->position = offset;
-    return ExecuteSimpleStatement(context);
+    return ExecSimple(context);
 }
 
 uint32_t CONXScriptFunc::ExecuteSimpleStatement(CONXScriptExecContext* context) {
     if (m_pDelegate) return m_pDelegate->ExecuteSimpleStatement(context);
+    return ExecSimple(context);
+}
+
+uint32_t CONXScriptFunc::ExecSimple(CONXScriptExecContext* context) {
     uint64_t start = context->position;
     TSCRIPTTOKEN* t = context->Next();
     if (t->error) return t->error;
@@ -157,18 +163,20 @@ uint32_t CONXScriptFunc::ExecuteSimpleStatement(CONXScriptExecContext* context) 
     }
     uint32_t err;
     if (t->isSelf) {
-        uint64_t p = context->position;
-        const TSCRIPTTOKEN* op = context->Next();
+        TSCRIPTTOKEN* op = context->Next();
         if (op->error) return op->error;
         if ((OpClass(op) & SCRIPT_OPCLASS_ASSIGN) && m_pResult) {
             int32_t index = op->op;
-            CONXScriptScope guard(context);
-            CONXScriptVariable* value = context->vars.Push();
-            if ((err = EvaluateExpression(context, value))) return err;
+            CONXScriptVarStack::TMARK mark = context->vars.Mark();
+            CONXScriptVariable* value;
+            if ((err = EvalRef(context, &value))) return err;
             // The function's value: its result variable.
-            return static_cast<CONXScriptVariable*>(m_pResult)->Resolved()->ApplyAssignmentOp(index, value);
+            CONXScriptVariable* target = static_cast<CONXScriptVariable*>(m_pResult)->Resolved();
+            if ((err = target->ApplyAssignmentOp(index, value))) return err;
+            context->vars.PopTo(mark);
+            return 0;
         }
-        context->position = p;
+        context->PutBack(op);
     }
     CONXScriptObject* object = ScriptResolveName(this, t);
     if (!object) return SCRIPT_ERR_UNKNOWNIDENT;
@@ -178,14 +186,16 @@ uint32_t CONXScriptFunc::ExecuteSimpleStatement(CONXScriptExecContext* context) 
         if (op->error) return op->error;
         if (!(OpClass(op) & SCRIPT_OPCLASS_ASSIGN)) return SCRIPT_ERR_UNEXPECTEDTOKEN;
         int32_t index = op->op;
-        CONXScriptScope guard(context);
-        CONXScriptVariable* value = context->vars.Push();
-        if ((err = EvaluateExpression(context, value))) return err;
-        return target->ApplyAssignmentOp(index, value);
+        CONXScriptVarStack::TMARK mark = context->vars.Mark();
+        CONXScriptVariable* value;
+        if ((err = EvalRef(context, &value))) return err;
+        if ((err = target->ApplyAssignmentOp(index, value))) return err;
+        context->vars.PopTo(mark);
+        return 0;
     }
     // A call: evaluated as an expression whose value nobody uses.
     context->position = start;
-    return EvaluateExpression(context, nullptr);
+    return Eval(context, nullptr);
 }
 
 uint32_t ScriptCallFunction(CONXScriptExecContext* context, CONXScriptFunc* scope,
@@ -194,7 +204,7 @@ uint32_t ScriptCallFunction(CONXScriptExecContext* context, CONXScriptFunc* scop
     if (context->Step()) return SCRIPT_ERR_ABORTED;
     uint32_t err;
     if ((err = ExpectPunct(context, '('))) return err;
-    CONXScriptScope guard(context);
+    CONXScriptVarStack::TMARK mark = context->vars.Mark();
     size_t base = context->arguments.size();
     uint64_t p = context->position;
     const TSCRIPTTOKEN* t = context->Next();
@@ -239,7 +249,7 @@ uint32_t ScriptCallFunction(CONXScriptExecContext* context, CONXScriptFunc* scop
                     v->InitFast(static_cast<CONXScriptVarTemplate*>(param));
                 else if (paramTag == SCRIPT_OBJ_FUNCTION)
                     return SCRIPT_ERR_TYPE;  // a "func" parameter takes only "&name"
-                if ((err = scope->EvaluateExpression(context, v))) return err;
+                if ((err = scope->Eval(context, v))) return err;
                 context->arguments.push_back(v);
             }
             t = context->Next();
@@ -257,8 +267,12 @@ uint32_t ScriptCallFunction(CONXScriptExecContext* context, CONXScriptFunc* scop
     args.count = count;
     // The callee reads its own statements; the caller's expression goes on after the ")".
     uint64_t resume = context->position;
+    TSCRIPTTOKEN* resumeToken = context->Upcoming();
     if ((err = callee->Execute(context->run, scope, args, result))) return err;
-    context->position = resume;
+    if (resumeToken) context->PutBack(resumeToken);
+    else context->position = resume;
+    context->arguments.resize(base);
+    context->vars.PopTo(mark);
     return 0;
 }
 
@@ -269,7 +283,8 @@ uint32_t CONXScriptFunc::Execute(CONXScriptRunContext* runContext, CONXScriptFun
     if (!context) return SCRIPT_ERR_SYSFUNC;
     if (context->StackLow()) return SCRIPT_ERR_OUTOFMEMORY;
     if (arguments.size() != m_params.size()) return SCRIPT_ERR_PARAMCOUNT;
-    CONXScriptScope guard(context);
+    CONXScriptVarStack::TMARK mark = context->vars.Mark();
+    size_t bindMark = context->BindMark();
     for (size_t i = 0; i < m_params.size(); i++) {
         CONXScriptObject* param = m_params[i];
         CONXScriptObject* arg = arguments[i];
@@ -283,7 +298,11 @@ uint32_t CONXScriptFunc::Execute(CONXScriptRunContext* runContext, CONXScriptFun
     }
     if (!result) result = context->vars.Push();  // the value goes nowhere
     context->Bind(&m_pResult, result);
-    return EnterBody(context, m_statements);
+    uint32_t err = EnterBody(context, m_statements);
+    if (err) return err;
+    context->UnbindTo(bindMark);
+    context->vars.PopTo(mark);
+    return 0;
 }
 
 uint32_t CONXScriptFunc::ExecuteFunction(CONXScriptExecContext* context, const char* name,
@@ -294,7 +313,8 @@ uint32_t CONXScriptFunc::ExecuteFunction(CONXScriptExecContext* context, const c
         return SCRIPT_ERR_UNKNOWNIDENT;
     CONXScriptFunc* f = static_cast<CONXScriptFunc*>(object);
     if (!f->CheckArgumentCount(arguments.size())) return SCRIPT_ERR_PARAMCOUNT;
-    CONXScriptScope guard(context);
+    CONXScriptVarStack::TMARK mark = context->vars.Mark();
+    size_t bindMark = context->BindMark();
     // The program's own variables exist (at zero) while the function runs;
     // its main statements do not run.
     for (CONXScriptObject* local : m_locals) {
@@ -320,5 +340,10 @@ uint32_t CONXScriptFunc::ExecuteFunction(CONXScriptExecContext* context, const c
     TSCRIPTARGS args;
     args.items = context->arguments.data() + base;
     args.count = arguments.size();
-    return f->Execute(context->run, this, args, result);
+    uint32_t err = f->Execute(context->run, this, args, result);
+    if (err) return err;
+    context->arguments.resize(base);
+    context->UnbindTo(bindMark);
+    context->vars.PopTo(mark);
+    return 0;
 }

@@ -10,10 +10,13 @@ namespace {
 inline uint32_t OpClass(const TSCRIPTTOKEN* t) {
     return (t->kind == SCRIPT_TOK_OP && t->op >= 0) ? g_ScriptOperators[t->op].opClass : 0;
 }
+inline bool IsPunct(const TSCRIPTTOKEN* t, char c) {
+    return t->kind == SCRIPT_TOK_PUNCT && t->punct == c;
+}
 uint32_t ExpectPunct(CONXScriptCursor* cursor, char c) {
     const TSCRIPTTOKEN* t = cursor->Next();
     if (t->error) return t->error;
-    return (t->kind == SCRIPT_TOK_PUNCT && t->punct == c) ? 0 : SCRIPT_ERR_UNEXPECTEDTOKEN;
+    return IsPunct(t, c) ? 0 : SCRIPT_ERR_UNEXPECTEDTOKEN;
 }
 
 // Whether the value of the call whose name is token will be used: only a call
@@ -27,44 +30,121 @@ bool CallValueUsed(CONXScriptExecContext* context, const TSCRIPTTOKEN* name) {
     return !after || (OpClass(after) & SCRIPT_OPCLASS_BINARY) != 0;
 }
 
+// Whether what follows the binary operator op, up to the end of its
+// expression, may call a function (a name followed by "("). Only a call can
+// change a variable while an expression is evaluated, so without one a left
+// operand can be read in place instead of being copied first.
+bool RestMayCall(CONXScriptExecContext* context, TSCRIPTTOKEN* op) {
+    if (op->restCall) return op->restCall == 2;
+    int32_t i = context->IndexOf(op);
+    if (i < 0) return true;
+    bool call = false;
+    int32_t depth = 0;
+    for (int32_t k = i + 1;; k++) {
+        TSCRIPTTOKEN* t = context->TokenByIndex(k);
+        if (t->error || t->kind == SCRIPT_TOK_END) break;
+        if (t->kind == SCRIPT_TOK_PUNCT) {
+            if (t->punct == '(') depth++;
+            else if (t->punct == ')' && --depth < 0) break;
+            else if (depth == 0 && (t->punct == ';' || t->punct == ',' || t->punct == '{')) break;
+        } else if (t->kind == SCRIPT_TOK_IDENT) {
+            TSCRIPTTOKEN* n = context->TokenByIndex(k + 1);
+            if (!n->error && IsPunct(n, '(')) {
+                call = true;
+                break;
+            }
+        }
+        if (t->kind != SCRIPT_TOK_END && context->TokenAt(t->end) == nullptr) {
+            call = true;  // beyond the prepared tokens: assume the worst
+            break;
+        }
+    }
+    op->restCall = call ? 2 : 1;
+    return call;
+}
+
 }  // namespace
+
+uint32_t ScriptLiteral(CONXScriptExecContext* context, TSCRIPTTOKEN* t, CONXScriptVariable** value) {
+    if (!t->literalDone) {
+        std::unique_ptr<CONXScriptVariable> v(new CONXScriptVariable);
+        t->literalError = v->SetFromLiteral(t->text, t->kind);
+        context->literals.push_back(std::move(v));
+        t->literalValue = context->literals.back().get();
+        t->literalDone = true;
+    }
+    *value = t->literalValue;
+    return t->literalError;
+}
 
 uint32_t CONXScriptFunc::EvaluateExpression(CONXScriptExecContext* context,
                                             CONXScriptVariable* result) {
     if (m_pDelegate) return m_pDelegate->EvaluateExpression(context, result);
+    return Eval(context, result ? result->Resolved() : nullptr);
+}
+
+uint32_t CONXScriptFunc::EvalRef(CONXScriptExecContext* context, CONXScriptVariable** value) {
+    TSCRIPTTOKEN* t = context->TokenAt(context->position);
+    if (t && !t->error) {
+        int32_t i = context->IndexOf(t);
+        TSCRIPTTOKEN* after = t->kind == SCRIPT_TOK_END ? nullptr : context->TokenByIndex(i + 1);
+        if (after && !after->error && !(OpClass(after) & SCRIPT_OPCLASS_BINARY)) {
+            CONXScriptVariable* v = nullptr;
+            if (t->kind >= SCRIPT_TOK_STRING && t->kind <= SCRIPT_TOK_BIN) {
+                context->Next();
+                uint32_t err = ScriptLiteral(context, t, &v);
+                if (err) return err;
+            } else if (t->kind == SCRIPT_TOK_IDENT) {
+                CONXScriptObject* o = ScriptResolveName(this, t);
+                if (o && o->KindTag() == SCRIPT_OBJ_VARIABLE) {
+                    context->Next();
+                    v = static_cast<CONXScriptVariable*>(o)->Resolved();
+                }
+            }
+            if (v) {
+                // As if the operand had been copied and the next token looked at.
+                context->tokenStart = after->start;
+                context->PutBack(after);
+                *value = v;
+                return 0;
+            }
+        }
+    }
+    CONXScriptVariable* temp = context->vars.Push();
+    *value = temp;
+    return Eval(context, temp);
+}
+
+uint32_t CONXScriptFunc::Eval(CONXScriptExecContext* context, CONXScriptVariable* result) {
     if (context->StackLow()) return SCRIPT_ERR_OUTOFMEMORY;
     TSCRIPTTOKEN* t = context->Next();
     if (t->error) return t->error;
-    CONXScriptScope guard(context);
+    CONXScriptVarStack::TMARK mark = context->vars.Mark();
     uint32_t err;
     if (t->kind == SCRIPT_TOK_OP) {
         if (!(OpClass(t) & SCRIPT_OPCLASS_UNARY)) return SCRIPT_ERR_UNEXPECTEDTOKEN;
         int32_t op = t->op;
-        CONXScriptVariable* rest = context->vars.Push();
-        if ((err = EvaluateExpression(context, rest))) return err;
-        CONXScriptVariable* target = result ? result->Resolved() : context->vars.Push();
-        return target->ApplyUnaryOp(op, rest);
+        CONXScriptVariable* rest;
+        if ((err = EvalRef(context, &rest))) return err;
+        CONXScriptVariable* target = result ? result : context->vars.Push();
+        if ((err = target->ApplyUnaryOp(op, rest))) return err;
+        context->vars.PopTo(mark);
+        return 0;
     }
-    CONXScriptVariable* operand = context->vars.Push();
+    CONXScriptVariable* operand;
+    bool inPlace = false;  // a named variable, read where it is
     switch (t->kind) {
     case SCRIPT_TOK_PUNCT:
         if (t->punct != '(') return SCRIPT_ERR_UNEXPECTEDTOKEN;
-        if ((err = EvaluateExpression(context, operand))) return err;
+        operand = context->vars.Push();
+        if ((err = Eval(context, operand))) return err;
         if ((err = ExpectPunct(context, ')'))) return err;
         break;
     case SCRIPT_TOK_STRING:
-        operand->SetType(SCRIPT_TYPE_STRING);
-        if ((err = operand->StoreText(t->text.data(), t->text.size()))) return err;
-        break;
     case SCRIPT_TOK_DEC:
     case SCRIPT_TOK_HEX:
     case SCRIPT_TOK_BIN:
-        if (!t->literalDone) {
-            t->literalError = ConvertLiteral(t->text, t->kind, &t->literalType, &t->literalValue);
-            t->literalDone = true;
-        }
-        if (t->literalError) return t->literalError;
-        operand->SetTypedNumber(t->literalType, t->literalValue);
+        if ((err = ScriptLiteral(context, t, &operand))) return err;
         break;
     case SCRIPT_TOK_IDENT: {
         CONXScriptObject* object = ScriptResolveName(this, t);
@@ -73,19 +153,21 @@ uint32_t CONXScriptFunc::EvaluateExpression(CONXScriptExecContext* context,
             if (!type) return SCRIPT_ERR_UNKNOWNIDENT;
             // A conversion: the inner value assigned to a variable of the named type.
             if ((err = ExpectPunct(context, '('))) return err;
-            CONXScriptVariable* inner = context->vars.Push();
-            if ((err = EvaluateExpression(context, inner))) return err;
+            CONXScriptVariable* inner;
+            if ((err = EvalRef(context, &inner))) return err;
             if ((err = ExpectPunct(context, ')'))) return err;
+            operand = context->vars.Push();
             operand->SetType(type);
             if ((err = operand->AssignFast(inner))) return err;
             break;
         }
         if (object->KindTag() == SCRIPT_OBJ_VARIABLE) {
-            if ((err = operand->AssignFast(static_cast<CONXScriptVariable*>(object)->Resolved())))
-                return err;
+            operand = static_cast<CONXScriptVariable*>(object)->Resolved();
+            inPlace = true;
             break;
         }
         if (object->KindTag() == SCRIPT_OBJ_FUNCTION) {
+            operand = context->vars.Push();
             CONXScriptVariable* callResult =
                 (result || CallValueUsed(context, t)) ? operand : nullptr;
             if ((err = ScriptCallFunction(context, this, static_cast<CONXScriptFunc*>(object),
@@ -98,20 +180,29 @@ uint32_t CONXScriptFunc::EvaluateExpression(CONXScriptExecContext* context,
     default:
         return SCRIPT_ERR_UNEXPECTEDTOKEN;
     }
-    uint64_t p = context->position;
-    const TSCRIPTTOKEN* next = context->Next();
+    TSCRIPTTOKEN* next = context->Next();
     if (next->error) return next->error;
     if (OpClass(next) & SCRIPT_OPCLASS_BINARY) {
         int32_t op = next->op;
-        CONXScriptVariable* rest = context->vars.Push();
-        if ((err = EvaluateExpression(context, rest))) return err;
-        CONXScriptVariable* target = result ? result->Resolved() : context->vars.Push();
-        return target->ApplyBinaryOp(op, operand, rest);
+        if (inPlace && RestMayCall(context, next)) {
+            // The operand's value as it is now, before the rest can change it.
+            CONXScriptVariable* copy = context->vars.Push();
+            if ((err = copy->AssignFast(operand))) return err;
+            operand = copy;
+        }
+        CONXScriptVariable* rest;
+        if ((err = EvalRef(context, &rest))) return err;
+        CONXScriptVariable* target = result ? result : context->vars.Push();
+        if ((err = target->ApplyBinaryOp(op, operand, rest))) return err;
+        context->vars.PopTo(mark);
+        return 0;
     }
-    context->position = p;  // the token start stays where the look-ahead left it
-    if (!result) return 0;
-    CONXScriptVariable* target = result->Resolved();
-    // A function that never set its value gives an untyped one: passed on as it is.
-    if (operand->Type() == SCRIPT_TYPE_NONE && target->Type() == SCRIPT_TYPE_NONE) return 0;
-    return target->AssignFast(operand);
+    context->PutBack(next);  // the token start stays where the look-ahead left it
+    if (result) {
+        // A function that never set its value gives an untyped one: passed on as it is.
+        if (operand->Type() != SCRIPT_TYPE_NONE || result->Type() != SCRIPT_TYPE_NONE)
+            if ((err = result->AssignFast(operand))) return err;
+    }
+    context->vars.PopTo(mark);
+    return 0;
 }

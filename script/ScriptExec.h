@@ -15,27 +15,39 @@ class CONXScriptRunContext;
 
 // Variables of running bodies and temporaries, kept in stack order in chunks
 // that never move, so a body entry or a temporary costs no allocation once
-// the run has warmed up.
+// the run has warmed up. A pushed variable is fresh: untyped, unnamed, empty.
 class CONXScriptVarStack {
 public:
-    CONXScriptVarStack() = default;
+    struct TMARK {
+        size_t chunk;
+        CONXScriptVariable* next;
+    };
+    CONXScriptVarStack() { NextChunk(); }
+    ~CONXScriptVarStack();
     CONXScriptVarStack(const CONXScriptVarStack&) = delete;
     CONXScriptVarStack& operator=(const CONXScriptVarStack&) = delete;
 
-    size_t Mark() const { return m_top; }
-    // A cleared, untyped, unnamed variable without reference.
+    TMARK Mark() const { return {m_chunk, m_next}; }
     CONXScriptVariable* Push() {
-        if (m_top == m_chunks.size() * kChunk) m_chunks.emplace_back(new CONXScriptVariable[kChunk]);
-        CONXScriptVariable* v = &m_chunks[m_top / kChunk][m_top % kChunk];
-        m_top++;
+        if (m_next == m_end) NextChunk();
+        CONXScriptVariable* v = m_next++;
+        v->Reset();
         return v;
     }
-    void PopTo(size_t mark);
+    // Popped variables keep their storage until they are pushed again.
+    void PopTo(const TMARK& mark) {
+        m_chunk = mark.chunk;
+        m_next = mark.next;
+        m_end = m_chunks[m_chunk] + kChunk;
+    }
 
 private:
-    static const size_t kChunk = 128;
-    std::vector<std::unique_ptr<CONXScriptVariable[]>> m_chunks;
-    size_t m_top = 0;
+    void NextChunk();
+    static const size_t kChunk = 256;
+    std::vector<CONXScriptVariable*> m_chunks;
+    size_t m_chunk = 0;
+    CONXScriptVariable* m_next = nullptr;
+    CONXScriptVariable* m_end = nullptr;
 };
 
 class CONXScriptExecContext : public CONXScriptCursor {
@@ -69,34 +81,34 @@ public:
     CONXScriptVarStack vars;
     std::vector<CONXScriptObject*> arguments;  // argument lists being collected
     std::vector<TSAVED> m_saved;
+    std::vector<std::unique_ptr<CONXScriptVariable>> literals;  // converted literals, read-only
 };
 
-// Leaves whatever a body or call bound and pushed, also when an exception
-// (out of memory) passes through.
-class CONXScriptScope {
-public:
-    explicit CONXScriptScope(CONXScriptExecContext* context)
-        : m_context(context), m_varMark(context->vars.Mark()), m_bindMark(context->BindMark()),
-          m_argMark(context->arguments.size()) {}
-    ~CONXScriptScope() {
-        m_context->UnbindTo(m_bindMark);
-        m_context->arguments.resize(m_argMark);
-        m_context->vars.PopTo(m_varMark);
-    }
-    CONXScriptScope(const CONXScriptScope&) = delete;
-    CONXScriptScope& operator=(const CONXScriptScope&) = delete;
-
-private:
-    CONXScriptExecContext* m_context;
-    size_t m_varMark;
-    size_t m_bindMark;
-    size_t m_argMark;
-};
+// Nothing is unwound on an error: the first error ends the run, and the run's
+// state goes with it. Only the success paths pop and unbind.
 
 // The object a name stands for while the program runs: a template gives the
 // variable of the innermost running body, a function parameter the function
 // bound to it. Null when the name is unknown. Look-ups are cached per token.
-CONXScriptObject* ScriptResolveName(CONXScriptFunc* scope, TSCRIPTTOKEN* token);
+CONXScriptObject* ScriptLookUpName(CONXScriptFunc* scope, TSCRIPTTOKEN* token);
+inline CONXScriptObject* ScriptResolveName(CONXScriptFunc* scope, TSCRIPTTOKEN* token) {
+    CONXScriptObject* object =
+        token->cacheScope == scope ? token->cacheObject : ScriptLookUpName(scope, token);
+    if (!object) return nullptr;
+    switch (object->KindTag()) {
+    case SCRIPT_OBJ_TEMPLATE:
+        return static_cast<CONXScriptVarTemplate*>(object)->m_pCurrent;
+    case SCRIPT_OBJ_FUNCTION: {
+        CONXScriptFunc* f = static_cast<CONXScriptFunc*>(object);
+        return f->m_isParameter ? f->m_pBound : f;
+    }
+    default:
+        return object;
+    }
+}
+
+// The value of a literal token, converted once per run.
+uint32_t ScriptLiteral(CONXScriptExecContext* context, TSCRIPTTOKEN* token, CONXScriptVariable** value);
 
 // Evaluates a call: the cursor stands after the function's name.
 uint32_t ScriptCallFunction(CONXScriptExecContext* context, CONXScriptFunc* scope,

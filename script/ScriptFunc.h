@@ -75,8 +75,16 @@ public:
     // Where an assignment to the function's own name goes in the running call.
     CONXScriptObject* m_pResult = nullptr;
 
-protected:
+    // The engine's own paths, without the virtual forwarding.
     uint32_t EnterBody(CONXScriptExecContext* context, const TSCRIPTSTMTLIST& statements);
+    uint32_t ExecStatement(CONXScriptExecContext* context, uint64_t offset);
+    uint32_t ExecSimple(CONXScriptExecContext* context);
+    uint32_t Eval(CONXScriptExecContext* context, CONXScriptVariable* result);
+    // Evaluates into a value to read at once: a lone variable or literal is
+    // given in place, anything else in a pushed temporary.
+    uint32_t EvalRef(CONXScriptExecContext* context, CONXScriptVariable** value);
+
+protected:
     uint32_t ParseStatement(CONXScriptCursor* cursor, uint32_t depth, TSCRIPTSTMTLIST* statements,
                             TSCRIPTTOKEN* first, uint64_t start);
     uint32_t ParseArguments(CONXScriptCursor* cursor);

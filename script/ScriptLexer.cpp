@@ -278,4 +278,20 @@ CONXScriptCursor::CONXScriptCursor(const char* sourceText)
         if (t.kind == SCRIPT_TOK_END && t.end == pos) break;
         pos = t.end;
     }
+    // A sentinel, so that the token after the last one can be named; it is
+    // never at the cursor's position.
+    m_tokens.emplace_back();
+    m_tokens.back().callPos = UINT64_MAX;
+}
+
+TSCRIPTTOKEN* CONXScriptCursor::Find() {
+    int32_t i = position <= length ? m_index[position] : -1;
+    if (i >= 0) return &m_tokens[i];
+    TSCRIPTTOKEN* t = &m_scratch;
+    ScanToken(text, length, position, t);
+    t->cacheScope = nullptr;
+    t->selfScope = nullptr;
+    t->literalDone = false;
+    t->restCall = 0;
+    return t;
 }

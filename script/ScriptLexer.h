@@ -13,6 +13,7 @@
 #include <vector>
 
 class CONXScriptObject;
+class CONXScriptVariable;
 
 // Token kinds.
 enum : uint32_t {
@@ -67,29 +68,31 @@ uint32_t TypeCodeOfName(const char* name);
 
 bool ScriptNamesEqual(const char* a, const char* b);  // without regard to case
 
-struct TSCRIPTTOKEN {
+struct alignas(64) TSCRIPTTOKEN {
+    // What the engine reads on every pass comes first, in one cache line.
+    uint32_t error = 0;    // lexer error of this read; 0 = a token
+    uint32_t kind = SCRIPT_TOK_END;
     uint64_t callPos = 0;  // position the read started from
     uint64_t start = 0;    // token start: where the read began after any comment
     uint64_t end = 0;      // position after the token (on an error: where scanning stopped)
-    uint32_t error = 0;    // lexer error of this read; 0 = a token
-    uint32_t kind = SCRIPT_TOK_END;
-    std::string text;
     int32_t op = -1;       // operator table index for kind 6
     int32_t match = -1;    // token index of the matching ")" for a "("
+    char punct = 0;        // the character of a kind 0 token
     uint8_t keyword = SCRIPT_KW_NONE;
     uint8_t typeCode = 0;  // identifiers that name a data type
-    char punct = 0;        // the character of a kind 0 token
-    // Converted literal, filled on first use.
     bool literalDone = false;
-    uint32_t literalError = 0;
-    uint32_t literalType = 0;
-    uint64_t literalValue = 0;
+    bool isSelf = false;   // whether the identifier is the name of the function in selfScope
+    // For a binary operator: whether the rest of the expression holds a call
+    // (0 not known yet, 1 no, 2 yes).
+    uint8_t restCall = 0;
     // Last name look-up: in which scope, found what.
     const void* cacheScope = nullptr;
     CONXScriptObject* cacheObject = nullptr;
-    // Whether the identifier is the name of the function in selfScope.
+    // Converted literal, filled on first use.
+    CONXScriptVariable* literalValue = nullptr;
     const void* selfScope = nullptr;
-    bool isSelf = false;
+    uint32_t literalError = 0;
+    std::string text;
 };
 
 // Scans one token from pos of a NUL-terminated text of the given length.
@@ -109,20 +112,22 @@ public:
     // Reads the token at position: sets tokenStart and moves position past it.
     // Check ->error before using it.
     TSCRIPTTOKEN* Next() {
-        TSCRIPTTOKEN* t;
-        int32_t i = position <= length ? m_index[position] : -1;
-        if (i >= 0) {
-            t = &m_tokens[i];
-        } else {
-            t = &m_scratch;
-            ScanToken(text, length, position, t);
-            t->cacheScope = nullptr;
-            t->selfScope = nullptr;
-            t->literalDone = false;
-        }
+        // Reading on from the last token needs no look-up by position.
+        TSCRIPTTOKEN* t = m_pNext;
+        if (!t || t->callPos != position) t = Find();
         tokenStart = t->start;
         position = t->end;
+        m_pNext = t == &m_scratch ? nullptr : t + 1;
         return t;
+    }
+    // The token a read would give now, if known without a look-up.
+    TSCRIPTTOKEN* Upcoming() const {
+        return (m_pNext && m_pNext->callPos == position) ? m_pNext : nullptr;
+    }
+    // Moves back to just before the token t, as read last.
+    void PutBack(TSCRIPTTOKEN* t) {
+        position = t->callPos;
+        m_pNext = t;
     }
     // The token a read from position would give, without moving; null if the
     // position is not a prepared one.
@@ -150,6 +155,9 @@ public:
     uintptr_t stackLimit = 0;  // lowest address recursion may reach; 0 = unchecked
 
 private:
+    TSCRIPTTOKEN* Find();
+
+    TSCRIPTTOKEN* m_pNext = nullptr;  // the token after the last one read
     std::vector<TSCRIPTTOKEN> m_tokens;
     std::vector<int32_t> m_index;  // position -> token, -1 where no read starts
     TSCRIPTTOKEN m_scratch;

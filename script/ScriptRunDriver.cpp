@@ -75,7 +75,6 @@ uint32_t Run(CONXScriptRunContext* context, CONXScriptExecContext* exec, COndDev
         args.count = list.size();
         return program->ExecuteFunction(exec, functionName, args, result);
     }
-    CONXScriptScope guard(exec);
     exec->Bind(&program->m_pResult, result ? static_cast<CONXScriptObject*>(result) : exec->vars.Push());
     return program->ExecuteBody(exec);
 }
