@@ -1,50 +1,207 @@
-// CONXDialog on Win32: a modeless dialog from this module's templates. OK,
-// Cancel and the close box only hide it, after asking the owner.
+// The window layer on Win32 (ANSI): CONXDialogBase over CreateDialogParam and
+// DialogBoxParam, and the non-modal CONXDialog of the device clients.
 #include <windows.h>
+
+#include <string>
 
 #include "frame/DeviceClient.h"
 #include "frame/Dialog.h"
+#include "frame/win32/App.h"
 #include "frame/win32/ModuleInstance.h"
 
-struct TDialogAccess {
+// ---------------------------------------------------------------------------
+// CONXDialogBase
+
+struct TDialogProc {
+    // The object rides in the window's user data from WM_INITDIALOG on.
+    // Nothing thrown by a handler may leave the window procedure.
     static INT_PTR CALLBACK Proc(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lParam) {
-        CONXDialog* self;
+        CONXDialogBase* self;
         if (msg == WM_INITDIALOG) {
-            self = reinterpret_cast<CONXDialog*>(lParam);
+            self = reinterpret_cast<CONXDialogBase*>(lParam);
             SetWindowLongPtrA(hwnd, GWLP_USERDATA, lParam);
             self->m_hWnd = hwnd;
-            if (self->m_hIcon)
-                SendMessageA(hwnd, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(self->m_hIcon));
-            SetWindowLongPtrA(hwnd, GWL_EXSTYLE,
-                              GetWindowLongPtrA(hwnd, GWL_EXSTYLE) | WS_EX_APPWINDOW);
-            if (self->m_pDeviceComm) self->StartStatusTimer();
-            self->UpdateDialogState();
-            return TRUE;
+        } else {
+            self = reinterpret_cast<CONXDialogBase*>(GetWindowLongPtrA(hwnd, GWLP_USERDATA));
         }
-        self = reinterpret_cast<CONXDialog*>(GetWindowLongPtrA(hwnd, GWLP_USERDATA));
         if (!self) return FALSE;
-        switch (msg) {
-            case WM_COMMAND:
-                if (LOWORD(wParam) == IDOK) self->OnOK();
-                else if (LOWORD(wParam) == IDCANCEL) self->OnCancel();
-                else return FALSE;
-                return TRUE;
-            case WM_CLOSE: self->OnClose(); return TRUE;
-            case WM_TIMER: self->OnTimer(wParam); return TRUE;
-            case WM_NCDESTROY:
-                self->m_hWnd = nullptr;
-                self->m_nTimerHandle = 0;
-                return FALSE;
+
+        if (msg == WM_NCDESTROY) {
+            SetWindowLongPtrA(hwnd, GWLP_USERDATA, 0);
+            try {
+                self->PostNcDestroy();
+            } catch (...) {
+            }
+            self->m_hWnd = nullptr;
+            return FALSE;
         }
-        return FALSE;
+
+        intptr_t result = 0;
+        bool handled = false;
+        try {
+            handled = self->OnMessage(msg, wParam, lParam, &result);
+        } catch (...) {
+            return FALSE;
+        }
+        if (!handled) return FALSE;
+        // Messages that answer through the procedure's result, not DWLP_MSGRESULT.
+        switch (msg) {
+            case WM_INITDIALOG:
+            case WM_CTLCOLORMSGBOX:
+            case WM_CTLCOLOREDIT:
+            case WM_CTLCOLORLISTBOX:
+            case WM_CTLCOLORBTN:
+            case WM_CTLCOLORDLG:
+            case WM_CTLCOLORSCROLLBAR:
+            case WM_CTLCOLORSTATIC:
+            case WM_COMPAREITEM:
+            case WM_VKEYTOITEM:
+            case WM_CHARTOITEM:
+            case WM_QUERYDRAGICON:
+                return static_cast<INT_PTR>(result);
+        }
+        SetWindowLongPtrA(hwnd, DWLP_MSGRESULT, result);
+        return TRUE;
     }
 };
+
+CONXDialogBase::CONXDialogBase() {}
+
+CONXDialogBase::~CONXDialogBase() {
+    if (m_hWnd && IsWindow(m_hWnd)) {
+        // Detach first: the object is half gone, no handler may run.
+        SetWindowLongPtrA(m_hWnd, GWLP_USERDATA, 0);
+        ::DestroyWindow(m_hWnd);
+    }
+    m_hWnd = nullptr;
+}
+
+bool CONXDialogBase::OnMessage(uint32_t message, uintptr_t wParam, intptr_t lParam,
+                               intptr_t* result) {
+    switch (message) {
+        case WM_INITDIALOG:
+            *result = OnInitDialog() ? TRUE : FALSE;
+            return true;
+        case WM_COMMAND: {
+            uint32_t id = LOWORD(wParam);
+            if (id == IDOK) {
+                OnOK();
+                return true;
+            }
+            if (id == IDCANCEL) {
+                OnCancel();
+                return true;
+            }
+            return OnCommand(id, HIWORD(wParam), reinterpret_cast<HWND>(lParam));
+        }
+        case WM_CLOSE: OnClose(); return true;
+        case WM_SIZE:
+            OnSize(static_cast<uint32_t>(wParam), LOWORD(lParam), HIWORD(lParam));
+            return true;
+        case WM_TIMER: OnTimer(wParam); return true;
+    }
+    return false;
+}
+
+bool CONXDialogBase::OnInitDialog() {
+    DoDataExchange(false);
+    return true;
+}
+
+bool CONXDialogBase::OnCommand(uint32_t, uint32_t, HWND) { return false; }
+
+void CONXDialogBase::OnOK() {
+    DoDataExchange(true);
+    if (m_bModal) EndDialog(IDOK);
+}
+
+void CONXDialogBase::OnCancel() {
+    if (m_bModal) EndDialog(IDCANCEL);
+}
+
+void CONXDialogBase::OnClose() { OnCancel(); }
+
+void CONXDialogBase::OnSize(uint32_t, int, int) {}
+
+void CONXDialogBase::OnTimer(uintptr_t) {}
+
+bool CONXDialogBase::DestroyWindow() {
+    if (!m_hWnd) return false;
+    return ::DestroyWindow(m_hWnd) != 0;
+}
+
+void CONXDialogBase::DoDataExchange(bool) {}
+
+void CONXDialogBase::PostNcDestroy() {}
+
+bool CONXDialogBase::CreateModeless(uint32_t templateId, HWND parent) {
+    if (m_hWnd) return false;
+    COndModuleState moduleState;
+    m_bModal = false;
+    HWND hwnd = CreateDialogParamA(OndModuleInstance(), MAKEINTRESOURCEA(templateId), parent,
+                                   TDialogProc::Proc, reinterpret_cast<LPARAM>(this));
+    return hwnd != nullptr;
+}
+
+intptr_t CONXDialogBase::DoModal(uint32_t templateId, HWND parent) {
+    if (m_hWnd) return -1;
+    COndModuleState moduleState;
+    m_bModal = true;
+    INT_PTR result = DialogBoxParamA(OndModuleInstance(), MAKEINTRESOURCEA(templateId), parent,
+                                     TDialogProc::Proc, reinterpret_cast<LPARAM>(this));
+    m_bModal = false;
+    return result;
+}
+
+void CONXDialogBase::EndDialog(intptr_t result) {
+    if (m_hWnd) ::EndDialog(m_hWnd, result);
+}
+
+bool CONXDialogBase::HasWindow() const { return m_hWnd && IsWindow(m_hWnd); }
+
+void CONXDialogBase::Show(bool visible) {
+    if (m_hWnd) ShowWindow(m_hWnd, visible ? SW_SHOW : SW_HIDE);
+}
+
+bool CONXDialogBase::IsVisible() const { return m_hWnd && IsWindowVisible(m_hWnd); }
+
+HWND CONXDialogBase::GetDlgItem(uint32_t id) const {
+    return m_hWnd ? ::GetDlgItem(m_hWnd, static_cast<int>(id)) : nullptr;
+}
+
+// ---------------------------------------------------------------------------
+// CONXDialog
 
 CONXDialog::CONXDialog(uint32_t templateId, HWND) : m_nTemplateId(templateId) {}
 
 CONXDialog::~CONXDialog() {
+    if (m_hWnd) OndApp().UnregisterDialog(m_hWnd);
     if (m_hIcon) DestroyIcon(static_cast<HICON>(m_hIcon));
 }
+
+bool CONXDialog::OnInitDialog() {
+    CONXDialogBase::OnInitDialog();
+    if (m_hIcon) SendMessageA(m_hWnd, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(m_hIcon));
+    SetWindowLongPtrA(m_hWnd, GWL_EXSTYLE, GetWindowLongPtrA(m_hWnd, GWL_EXSTYLE) | WS_EX_APPWINDOW);
+    OndApp().RegisterDialog(m_hWnd);
+    if (m_pDeviceComm) StartStatusTimer();
+    UpdateDialogState();
+    return true;
+}
+
+bool CONXDialog::DestroyWindow() {
+    if (m_hWnd) OndApp().UnregisterDialog(m_hWnd);
+    StopStatusTimer();
+    return CONXDialogBase::DestroyWindow();
+}
+
+// Also when the window goes without DestroyWindow (its parent was destroyed).
+void CONXDialog::PostNcDestroy() {
+    OndApp().UnregisterDialog(m_hWnd);
+    m_nTimerHandle = 0;
+}
+
+void CONXDialog::DoDataExchange(bool) {}
 
 void CONXDialog::UpdateDialogState() {}
 
@@ -60,30 +217,12 @@ void CONXDialog::SetDeviceComm(COndDeviceComm_0* channel) {
     UpdateDialogState();
 }
 
-bool CONXDialog::Create(HWND parent) {
-    HWND hwnd = CreateDialogParamA(OndModuleInstance(), MAKEINTRESOURCEA(m_nTemplateId), parent,
-                                   TDialogAccess::Proc, reinterpret_cast<LPARAM>(this));
-    return hwnd != nullptr;
-}
-
-bool CONXDialog::DestroyWindow() {
-    StopStatusTimer();
-    if (!m_hWnd) return false;
-    return ::DestroyWindow(m_hWnd) != 0;
-}
-
-bool CONXDialog::HasWindow() const { return m_hWnd && IsWindow(m_hWnd); }
-
-void CONXDialog::Show(bool visible) {
-    if (m_hWnd) ShowWindow(m_hWnd, visible ? SW_SHOW : SW_HIDE);
-}
-
-bool CONXDialog::IsVisible() const { return m_hWnd && IsWindowVisible(m_hWnd); }
+bool CONXDialog::Create(HWND parent) { return CreateModeless(m_nTemplateId, parent); }
 
 void CONXDialog::AskOwnerThenHide(uint32_t event) {
     uint32_t answer = 1;
     if (m_pOwner) answer = static_cast<CONXDeviceClient*>(m_pOwner)->SignalDlgEvent(event);
-    if (answer == 1) ShowWindow(m_hWnd, SW_HIDE);
+    if (answer == 1 && m_hWnd) ShowWindow(m_hWnd, SW_HIDE);
 }
 
 void CONXDialog::OnOK() { AskOwnerThenHide(ONX_DLGEVENT_OK); }
@@ -92,6 +231,12 @@ void CONXDialog::OnCancel() { AskOwnerThenHide(ONX_DLGEVENT_CANCEL); }
 
 void CONXDialog::OnTimer(uintptr_t id) {
     if (id == m_nTimerId) UpdateDialogState();
+    else CONXDialogBase::OnTimer(id);
+}
+
+void CONXDialog::OnSize(uint32_t type, int cx, int cy) {
+    CONXDialogBase::OnSize(type, cx, cy);
+    OnSizeDlgCtrlPlacement(cx, cy);
 }
 
 void CONXDialog::StartStatusTimer() {
@@ -102,4 +247,150 @@ void CONXDialog::StopStatusTimer() {
     if (!m_nTimerHandle) return;
     if (m_hWnd && IsWindow(m_hWnd)) KillTimer(m_hWnd, m_nTimerId);
     m_nTimerHandle = 0;
+}
+
+void CONXDialog::LoadSmallIcon(uint32_t iconId) {
+    if (m_hIcon) DestroyIcon(static_cast<HICON>(m_hIcon));
+    m_hIcon = LoadImageA(OndModuleInstance(), MAKEINTRESOURCEA(iconId), IMAGE_ICON,
+                         GetSystemMetrics(SM_CXSMICON), GetSystemMetrics(SM_CYSMICON), 0);
+}
+
+void CONXDialog::UpdateCommStatus(uint32_t ctrlId) {
+    if (!m_hWnd) return;
+    std::string text;
+    if (!m_pDeviceComm) {
+        text = "No communication device...";
+    } else if (m_pDeviceComm->Lock(this, 0) == 0) {
+        // Polling never waits: a busy channel blanks the text for one tick.
+        const char* description = m_pDeviceComm->GetInfoString(ONDCOMM_INFO_DESCRIPTION, 0);
+        text = "Channel description: ";
+        text += description ? description : "";
+        const char* configuration = m_pDeviceComm->GetInfoString(ONDCOMM_INFO_CONFIGURATION, 0);
+        text += "\nChannel configuration: ";
+        text += configuration ? configuration : "";
+        text += "\nState: ";
+        text += m_pDeviceComm->GetState() == 1 ? "open" : "closed";
+        m_pDeviceComm->Unlock(this);
+    }
+    SetDlgItemTextA(m_hWnd, static_cast<int>(ctrlId), text.c_str());
+}
+
+void CONXDialog::RepairHorizontalScrollbarExtendInListBox(HWND listBox) {
+    if (!listBox) return;
+    HDC dc = GetDC(listBox);
+    if (!dc) return;
+    HGDIOBJ font = reinterpret_cast<HGDIOBJ>(SendMessageA(listBox, WM_GETFONT, 0, 0));
+    HGDIOBJ oldFont = font ? SelectObject(dc, font) : nullptr;
+    bool tabbed = (GetWindowLongA(listBox, GWL_STYLE) & LBS_USETABSTOPS) != 0;
+    LONG widest = 0;
+    LRESULT count = SendMessageA(listBox, LB_GETCOUNT, 0, 0);
+    std::string item;
+    for (LRESULT i = 0; i < count; ++i) {
+        LRESULT length = SendMessageA(listBox, LB_GETTEXTLEN, i, 0);
+        if (length < 0) continue;
+        item.assign(static_cast<size_t>(length) + 1, '\0');
+        length = SendMessageA(listBox, LB_GETTEXT, i, reinterpret_cast<LPARAM>(&item[0]));
+        if (length < 0) continue;
+        LONG width;
+        if (tabbed) {
+            width = LOWORD(GetTabbedTextExtentA(dc, item.c_str(), static_cast<int>(length), 0,
+                                                nullptr));
+        } else {
+            SIZE size = {};
+            GetTextExtentPoint32A(dc, item.c_str(), static_cast<int>(length), &size);
+            width = size.cx;
+        }
+        if (width > widest) widest = width;
+    }
+    if (oldFont) SelectObject(dc, oldFont);
+    ReleaseDC(listBox, dc);
+    SendMessageA(listBox, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(widest), 0);
+}
+
+// Each line ends in a bare line feed and the buffer carries no terminating
+// zero: deliberate, kept as the module has always done it.
+void CONXDialog::CopyListBoxContentToClipBoard(HWND listBox) {
+    if (!listBox) return;
+    LRESULT count = SendMessageA(listBox, LB_GETCOUNT, 0, 0);
+    if (count <= 0) return;
+    std::string text;
+    for (LRESULT i = 0; i < count; ++i) {
+        LRESULT length = SendMessageA(listBox, LB_GETTEXTLEN, i, 0);
+        if (length < 0) length = 0;
+        std::string item(static_cast<size_t>(length) + 1, '\0');
+        LRESULT got = SendMessageA(listBox, LB_GETTEXT, i, reinterpret_cast<LPARAM>(&item[0]));
+        item.resize(got > 0 && got <= length ? static_cast<size_t>(got) : 0);
+        text += item;
+        text += '\n';
+    }
+    HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, text.size());
+    if (!memory) return;
+    void* bytes = GlobalLock(memory);
+    if (!bytes) {
+        GlobalFree(memory);
+        return;
+    }
+    memcpy(bytes, text.data(), text.size());
+    GlobalUnlock(memory);
+    if (!OpenClipboard(m_hWnd)) {
+        GlobalFree(memory);
+        return;
+    }
+    if (!EmptyClipboard() || !SetClipboardData(CF_TEXT, memory)) GlobalFree(memory);
+    CloseClipboard();
+}
+
+void CONXDialog::AutoDlgCtrlPlacement(uint32_t ctrlId, uint32_t flags) {
+    HWND control = GetDlgItem(ctrlId);
+    if (!control) return;
+    RECT client, item;
+    GetClientRect(m_hWnd, &client);
+    MapWindowPoints(m_hWnd, nullptr, reinterpret_cast<POINT*>(&client), 2);
+    GetWindowRect(control, &item);
+    TONX_DLGCTRLPLACEMENT record;
+    record.ctrlId = ctrlId;
+    record.flags = flags;
+    record.width = item.right - item.left;
+    record.height = item.bottom - item.top;
+    record.left = item.left - client.left;
+    record.top = item.top - client.top;
+    record.rightMargin = client.right - item.right;
+    record.bottomMargin = client.bottom - item.bottom;
+    try {
+        m_Placement.push_back(record);
+    } catch (...) {
+        // Out of memory: this control simply stays where it is.
+    }
+}
+
+void CONXDialog::OnSizeDlgCtrlPlacement(int cx, int cy) {
+    if (!m_hWnd || m_Placement.empty()) return;
+    HDWP defer = BeginDeferWindowPos(static_cast<int>(m_Placement.size()));
+    if (!defer) return;
+    for (const TONX_DLGCTRLPLACEMENT& record : m_Placement) {
+        HWND control = GetDlgItem(record.ctrlId);
+        if (!control) continue;
+        int left = record.left, top = record.top, width = record.width, height = record.height;
+        if (record.flags & ONX_PLACE_RIGHT) {
+            if (record.flags & ONX_PLACE_SIZEX) width = cx - record.rightMargin - left;
+            else left = cx - record.rightMargin - width;
+        }
+        if (record.flags & ONX_PLACE_BOTTOM) {
+            if (record.flags & ONX_PLACE_SIZEY) height = cy - record.bottomMargin - top;
+            else top = cy - record.bottomMargin - height;
+        }
+        defer = DeferWindowPos(defer, control, nullptr, left, top, width, height,
+                               SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOOWNERZORDER);
+        if (!defer) return;  // the system has freed the positioning
+    }
+    EndDeferWindowPos(defer);
+    // Stretched lists and edits repaint whole, not only their new strip.
+    for (const TONX_DLGCTRLPLACEMENT& record : m_Placement) {
+        bool stretchX = (record.flags & (ONX_PLACE_SIZEX | ONX_PLACE_RIGHT)) ==
+                        (ONX_PLACE_SIZEX | ONX_PLACE_RIGHT);
+        bool stretchY = (record.flags & (ONX_PLACE_SIZEY | ONX_PLACE_BOTTOM)) ==
+                        (ONX_PLACE_SIZEY | ONX_PLACE_BOTTOM);
+        HWND control = GetDlgItem(record.ctrlId);
+        if (control && (stretchX || stretchY)) InvalidateRect(control, nullptr, FALSE);
+    }
 }
