@@ -1,0 +1,363 @@
+// ondhost.exe: the reference host. It loads OndDeviceClient.dll only through
+// its five exports, creates one instance of every object type, connects each
+// to a simulated device, opens their non-modal dialogs over its own window and
+// hears of dialog events by the route chosen on the command line.
+//
+//   ondhost.exe [--route callback|window|thread] [--dll <path>] [--exit-after <ms>]
+//
+// A serial-port channel does not exist yet; the simulated device is the only
+// channel for now.
+#include <windows.h>
+
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "frame/DeviceClient.h"
+#include "host/sim/SimDevice.h"
+
+namespace {
+
+typedef uint32_t (*FnGetNumObj)();
+typedef uint32_t (*FnGetObjType)(uintptr_t index);
+typedef uintptr_t (*FnGetObjInfo)(uint32_t type, uint32_t what);
+typedef CONXDeviceClient_0* (*FnCreateInstance)(uint32_t type);
+typedef void (*FnDeleteInstance)(CONXDeviceClient_0* object);
+
+enum ERoute { ROUTE_CALLBACK, ROUTE_WINDOW, ROUTE_THREAD };
+
+const UINT WM_HOST_DLGEVENT = WM_APP + 1;     // the window route
+const UINT WM_HOST_THREADEVENT = WM_APP + 2;  // the thread route
+const int IDC_LOG = 100;
+const int IDC_CHANNELOPEN = 101;
+const int IDC_SHOW = 200;   // + object index
+const int IDC_CLOSE = 300;  // + object index
+const int IDC_STATE = 400;  // + object index
+const UINT_PTR TIMER_STATE = 1;
+const UINT_PTR TIMER_EXIT = 2;
+
+struct TObject {
+    uint32_t type = 0;
+    std::string name;
+    CONXDeviceClient_0* client = nullptr;
+    uint32_t lastShow = 0;  // the answer of the last ShowDialogNonModal
+};
+
+struct THost {
+    HMODULE dll = nullptr;
+    FnGetNumObj getNumObj = nullptr;
+    FnGetObjType getObjType = nullptr;
+    FnGetObjInfo getObjInfo = nullptr;
+    FnCreateInstance createInstance = nullptr;
+    FnDeleteInstance deleteInstance = nullptr;
+    ERoute route = ROUTE_CALLBACK;
+    std::vector<TObject> objects;
+    CSimDevice* device = nullptr;
+    HWND window = nullptr;
+    HWND log = nullptr;
+    UINT exitAfter = 0;
+} g_host;
+
+const char* EventName(uint32_t event) {
+    switch (event) {
+        case ONX_DLGEVENT_OK: return "OK";
+        case ONX_DLGEVENT_CLOSE: return "close";
+        case ONX_DLGEVENT_CANCEL: return "cancel";
+    }
+    return "?";
+}
+
+void Log(const char* format, ...) {
+    char text[512];
+    va_list args;
+    va_start(args, format);
+    std::vsnprintf(text, sizeof text, format, args);
+    va_end(args);
+    if (!g_host.log) return;
+    LRESULT index = SendMessageA(g_host.log, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text));
+    SendMessageA(g_host.log, LB_SETTOPINDEX, index, 0);
+}
+
+TObject* FindObject(CONXDeviceClient_0* client) {
+    for (TObject& object : g_host.objects)
+        if (object.client == client) return &object;
+    return nullptr;
+}
+
+// Answering 1 lets the dialog hide itself.
+uint32_t HostEventCallback(CONXDeviceClient_0* client, void*, uint32_t event) {
+    TObject* object = FindObject(client);
+    Log("%s: %s (callback), answered 1", object ? object->name.c_str() : "?", EventName(event));
+    return 1;
+}
+
+void ShowState(size_t index) {
+    TObject& object = g_host.objects[index];
+    const char* text;
+    if (!object.client) text = "not created";
+    else if (object.lastShow == EONX_ERR_DIALOG) text = "no window yet (17, EONX_ERR_DIALOG)";
+    else if (object.client->IsNonModalDialogOpen()) text = "dialog open";
+    else text = "dialog hidden";
+    char line[128];
+    std::snprintf(line, sizeof line, "%s", text);
+    char old[128] = "";
+    HWND state = GetDlgItem(g_host.window, IDC_STATE + int(index));
+    GetWindowTextA(state, old, sizeof old);
+    if (std::strcmp(old, line) != 0) SetWindowTextA(state, line);
+}
+
+void ShowDialog(size_t index) {
+    TObject& object = g_host.objects[index];
+    if (!object.client) return;
+    object.lastShow = object.client->ShowDialogNonModal(g_host.window);
+    Log("%s: ShowDialogNonModal answered %u%s", object.name.c_str(), object.lastShow,
+        object.lastShow == EONX_ERR_DIALOG ? " (EONX_ERR_DIALOG)" : "");
+    ShowState(index);
+}
+
+void CloseDialog(size_t index) {
+    TObject& object = g_host.objects[index];
+    if (!object.client) return;
+    uint32_t result = object.client->CloseDialogNonModal();
+    Log("%s: CloseDialogNonModal answered %u", object.name.c_str(), result);
+    ShowState(index);
+}
+
+void CreateObjects() {
+    uint32_t count = g_host.getNumObj();
+    Log("%u object types:", count);
+    for (uint32_t i = 0; i < count; ++i) {
+        TObject object;
+        object.type = g_host.getObjType(i);
+        const char* name = reinterpret_cast<const char*>(g_host.getObjInfo(object.type, 0));
+        object.name = name ? name : "?";
+        Log("  %u: 0x%04X \"%s\"", i, object.type, object.name.c_str());
+        object.client = g_host.createInstance(object.type);
+        if (object.client) {
+            object.client->Connect(g_host.device);
+            _TONX_DLGEVENTDATA data = {};
+            if (g_host.route == ROUTE_CALLBACK) data.callback = HostEventCallback;
+            if (g_host.route == ROUTE_WINDOW) {
+                data.hWnd = g_host.window;
+                data.uMsg = WM_HOST_DLGEVENT;
+            }
+            if (g_host.route == ROUTE_THREAD) {
+                data.threadId = GetCurrentThreadId();
+                data.threadMsg = WM_HOST_THREADEVENT;
+            }
+            object.client->SetDlgEventData(&data);
+        }
+        g_host.objects.push_back(object);
+    }
+}
+
+void DeleteObjects() {
+    for (TObject& object : g_host.objects) {
+        if (object.client) g_host.deleteInstance(object.client);
+        object.client = nullptr;
+    }
+}
+
+void Layout(HWND hwnd) {
+    RECT client;
+    GetClientRect(hwnd, &client);
+    int y = 8;
+    for (size_t i = 0; i < g_host.objects.size(); ++i, y += 30) {
+        MoveWindow(GetDlgItem(hwnd, IDC_SHOW + int(i)), 8, y, 150, 24, TRUE);
+        MoveWindow(GetDlgItem(hwnd, IDC_CLOSE + int(i)), 164, y, 60, 24, TRUE);
+        MoveWindow(GetDlgItem(hwnd, IDC_STATE + int(i)), 232, y + 4, client.right - 240, 20, TRUE);
+    }
+    MoveWindow(GetDlgItem(hwnd, IDC_CHANNELOPEN), 8, y, 200, 24, TRUE);
+    y += 30;
+    MoveWindow(g_host.log, 8, y, client.right - 16, client.bottom - y - 8, TRUE);
+}
+
+void CreateControls(HWND hwnd) {
+    HINSTANCE instance = GetModuleHandleA(nullptr);
+    HFONT font = static_cast<HFONT>(GetStockObject(DEFAULT_GUI_FONT));
+    auto make = [&](const char* cls, const char* text, DWORD style, int id) {
+        HWND control = CreateWindowExA(0, cls, text, WS_CHILD | WS_VISIBLE | style, 0, 0, 10, 10,
+                                       hwnd, reinterpret_cast<HMENU>(intptr_t(id)), instance,
+                                       nullptr);
+        SendMessageA(control, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
+        return control;
+    };
+    for (size_t i = 0; i < g_host.objects.size(); ++i) {
+        std::string show = "Show " + g_host.objects[i].name;
+        make("BUTTON", show.c_str(), BS_PUSHBUTTON | WS_TABSTOP, IDC_SHOW + int(i));
+        make("BUTTON", "Close", BS_PUSHBUTTON | WS_TABSTOP, IDC_CLOSE + int(i));
+        make("STATIC", "", SS_LEFT, IDC_STATE + int(i));
+    }
+    HWND open = make("BUTTON", "Channel open", BS_AUTOCHECKBOX | WS_TABSTOP, IDC_CHANNELOPEN);
+    SendMessageA(open, BM_SETCHECK, BST_CHECKED, 0);
+    g_host.log = CreateWindowExA(WS_EX_CLIENTEDGE, "LISTBOX", "",
+                                 WS_CHILD | WS_VISIBLE | WS_VSCROLL | LBS_NOINTEGRALHEIGHT, 0, 0,
+                                 10, 10, hwnd, reinterpret_cast<HMENU>(intptr_t(IDC_LOG)),
+                                 instance, nullptr);
+    SendMessageA(g_host.log, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
+}
+
+// The dialogs are pop-ups owned by this window; each new one is put over its
+// client area, cascaded, so that they open inside it.
+BOOL CALLBACK PlaceOwnedWindow(HWND hwnd, LPARAM placed) {
+    auto* done = reinterpret_cast<std::vector<HWND>*>(placed);
+    if (GetWindow(hwnd, GW_OWNER) != g_host.window || !IsWindowVisible(hwnd)) return TRUE;
+    for (HWND seen : *done)
+        if (seen == hwnd) return TRUE;
+    POINT origin = {240 + 24 * int(done->size() % 8), 8 + 24 * int(done->size() % 8)};
+    ClientToScreen(g_host.window, &origin);
+    SetWindowPos(hwnd, nullptr, origin.x, origin.y, 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    done->push_back(hwnd);
+    return TRUE;
+}
+
+void PlaceDialogs() {
+    static std::vector<HWND> placed;
+    EnumThreadWindows(GetCurrentThreadId(), PlaceOwnedWindow, reinterpret_cast<LPARAM>(&placed));
+}
+
+LRESULT CALLBACK HostWindowProc(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lParam) {
+    switch (msg) {
+        case WM_CREATE:
+            g_host.window = hwnd;
+            CreateObjects();
+            CreateControls(hwnd);
+            Layout(hwnd);
+            SetTimer(hwnd, TIMER_STATE, 500, nullptr);
+            if (g_host.exitAfter) SetTimer(hwnd, TIMER_EXIT, g_host.exitAfter, nullptr);
+            return 0;
+        case WM_SIZE: Layout(hwnd); return 0;
+        case WM_COMMAND: {
+            int id = LOWORD(wParam);
+            if (id >= IDC_SHOW && id < IDC_SHOW + int(g_host.objects.size())) {
+                ShowDialog(size_t(id - IDC_SHOW));
+                PlaceDialogs();
+            } else if (id >= IDC_CLOSE && id < IDC_CLOSE + int(g_host.objects.size())) {
+                CloseDialog(size_t(id - IDC_CLOSE));
+            } else if (id == IDC_CHANNELOPEN) {
+                bool open = SendMessageA(GetDlgItem(hwnd, IDC_CHANNELOPEN), BM_GETCHECK, 0, 0) ==
+                            BST_CHECKED;
+                g_host.device->SetState(open ? 1 : 2);
+                Log("simulated channel %s", open ? "opened" : "closed");
+            }
+            return 0;
+        }
+        case WM_HOST_DLGEVENT: {
+            TObject* object = FindObject(reinterpret_cast<CONXDeviceClient_0*>(wParam));
+            Log("%s: %s (window message), answered 1", object ? object->name.c_str() : "?",
+                EventName(uint32_t(lParam)));
+            return 1;
+        }
+        case WM_TIMER:
+            if (wParam == TIMER_EXIT) {
+                KillTimer(hwnd, TIMER_EXIT);
+                PostMessageA(hwnd, WM_CLOSE, 0, 0);
+            } else {
+                for (size_t i = 0; i < g_host.objects.size(); ++i) ShowState(i);
+            }
+            return 0;
+        case WM_DESTROY:
+            KillTimer(hwnd, TIMER_STATE);
+            DeleteObjects();  // destroys their dialogs
+            PostQuitMessage(0);
+            return 0;
+    }
+    return DefWindowProcA(hwnd, msg, wParam, lParam);
+}
+
+// Through void*: FARPROC's own type would draw a cast warning.
+template <class T>
+T Export(const char* name) {
+    return reinterpret_cast<T>(reinterpret_cast<void*>(GetProcAddress(g_host.dll, name)));
+}
+
+bool LoadModule(const std::string& path) {
+    g_host.dll = LoadLibraryA(path.c_str());
+    if (!g_host.dll) return false;
+    g_host.getNumObj = Export<FnGetNumObj>("OndDeviceClientGetNumObj");
+    g_host.getObjType = Export<FnGetObjType>("OndDeviceClientGetObjType");
+    g_host.getObjInfo = Export<FnGetObjInfo>("OndDeviceClientGetObjInfo");
+    g_host.createInstance = Export<FnCreateInstance>("OndDeviceClientCreateInstance");
+    g_host.deleteInstance = Export<FnDeleteInstance>("OndDeviceClientDeleteInstance");
+    return g_host.getNumObj && g_host.getObjType && g_host.getObjInfo && g_host.createInstance &&
+           g_host.deleteInstance;
+}
+
+int Fail(const char* text) {
+    MessageBoxA(nullptr, text, "ondhost", MB_OK | MB_ICONEXCLAMATION);
+    return 1;
+}
+
+}  // namespace
+
+int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int show) {
+    char exe[MAX_PATH] = "";
+    GetModuleFileNameA(nullptr, exe, MAX_PATH);
+    std::string dllPath = exe;
+    dllPath.resize(dllPath.rfind('\\') + 1);
+    dllPath += "OndDeviceClient.dll";
+
+    for (int i = 1; i < __argc; ++i) {
+        std::string arg = __argv[i];
+        std::string value = i + 1 < __argc ? __argv[i + 1] : "";
+        if (arg == "--route" && !value.empty()) {
+            if (value == "callback") g_host.route = ROUTE_CALLBACK;
+            else if (value == "window") g_host.route = ROUTE_WINDOW;
+            else if (value == "thread") g_host.route = ROUTE_THREAD;
+            else return Fail("--route takes callback, window or thread");
+            ++i;
+        } else if (arg == "--dll" && !value.empty()) {
+            dllPath = value;
+            ++i;
+        } else if (arg == "--exit-after" && !value.empty()) {
+            g_host.exitAfter = UINT(std::strtoul(value.c_str(), nullptr, 10));
+            ++i;
+        } else {
+            return Fail("usage: ondhost [--route callback|window|thread] [--dll <path>] "
+                        "[--exit-after <ms>]");
+        }
+    }
+
+    if (!LoadModule(dllPath)) return Fail(("Cannot load " + dllPath).c_str());
+    CSimDevice device;
+    g_host.device = &device;
+
+    WNDCLASSA wc = {};
+    wc.lpfnWndProc = HostWindowProc;
+    wc.hInstance = instance;
+    wc.hCursor = LoadCursor(nullptr, IDC_ARROW);
+    wc.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
+    wc.lpszClassName = "OndHostWindow";
+    RegisterClassA(&wc);
+    static const char* kRouteNames[] = {"callback", "window message", "thread message"};
+    std::string title = std::string("OndDeviceClient reference host - events by ") +
+                        kRouteNames[g_host.route];
+    HWND hwnd = CreateWindowA("OndHostWindow", title.c_str(), WS_OVERLAPPEDWINDOW, 40, 40, 1100,
+                              760, nullptr, nullptr, instance, nullptr);
+    if (!hwnd) return Fail("Cannot create the host window");
+    ShowWindow(hwnd, show);
+    UpdateWindow(hwnd);
+    for (size_t i = 0; i < g_host.objects.size(); ++i) ShowDialog(i);
+    PlaceDialogs();
+
+    // A plain loop: the module's hook gives its dialogs their keyboard.
+    MSG msg;
+    while (GetMessageA(&msg, nullptr, 0, 0) > 0) {
+        if (!msg.hwnd && msg.message == WM_HOST_THREADEVENT) {
+            // A posted event cannot answer; the host closes the dialog itself.
+            TObject* object = FindObject(reinterpret_cast<CONXDeviceClient_0*>(msg.wParam));
+            Log("%s: %s (thread message)", object ? object->name.c_str() : "?",
+                EventName(uint32_t(msg.lParam)));
+            if (object && object->client) object->client->CloseDialogNonModal();
+            continue;
+        }
+        TranslateMessage(&msg);
+        DispatchMessageA(&msg);
+    }
+    FreeLibrary(g_host.dll);  // the module removes its hook
+    return int(msg.wParam);
+}
