@@ -1,0 +1,77 @@
+// Driver of the window tests: ond_win_tests <screenshot folder>.
+#include "WinTest.h"
+
+int g_passed, g_failed;
+
+void PumpMessages(DWORD ms) {
+    DWORD start = GetTickCount();
+    do {
+        MSG msg;
+        while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE)) {
+            TranslateMessage(&msg);
+            DispatchMessageA(&msg);
+        }
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
+    } while (GetTickCount() - start < ms);
+}
+
+bool TakeMessage(MSG* msg) { return PeekMessageA(msg, nullptr, 0, 0, PM_REMOVE) != 0; }
+
+std::string WindowText(HWND hwnd) {
+    int length = GetWindowTextLengthA(hwnd);
+    std::string text(size_t(length) + 1, '\0');
+    length = GetWindowTextA(hwnd, &text[0], length + 1);
+    text.resize(size_t(length > 0 ? length : 0));
+    return text;
+}
+
+std::string ItemText(HWND dialog, int id) { return WindowText(GetDlgItem(dialog, id)); }
+
+RECT ChildRect(HWND dialog, int id) {
+    RECT rect = {};
+    HWND child = GetDlgItem(dialog, id);
+    if (!child) return rect;
+    GetWindowRect(child, &rect);
+    MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&rect), 2);
+    return rect;
+}
+
+HWND TestHostWindow() {
+    static HWND host;
+    if (!host) {
+        WNDCLASSA wc = {};
+        wc.lpfnWndProc = DefWindowProcA;
+        wc.hInstance = GetModuleHandleA(nullptr);
+        wc.lpszClassName = "OndWinTestHost";
+        wc.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_APPWORKSPACE + 1);
+        RegisterClassA(&wc);
+        host = CreateWindowA("OndWinTestHost", "window tests", WS_OVERLAPPEDWINDOW | WS_VISIBLE,
+                             0, 0, 400, 300, nullptr, nullptr, wc.hInstance, nullptr);
+    }
+    return host;
+}
+
+// Screenshots go to the folder given, else to screenshots\ beside bin\.
+int main(int argc, char** argv) {
+    std::string folder;
+    if (argc > 1) {
+        folder = argv[1];
+    } else {
+        char path[MAX_PATH] = "";
+        GetModuleFileNameA(nullptr, path, MAX_PATH);
+        folder = path;
+        folder.resize(folder.rfind('\\') + 1);
+        folder += "..\\screenshots";
+    }
+    CreateDirectoryA(folder.c_str(), nullptr);
+    SetScreenshotFolder(folder);
+    TestHostWindow();
+    PumpMessages(100);
+
+    TestApp();
+    TestDialogs();
+    TestTemplates();
+
+    std::printf("%d passed, %d failed\n", g_passed, g_failed);
+    return g_failed == 0 && g_passed > 0 ? 0 : 1;
+}
