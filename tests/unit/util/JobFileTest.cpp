@@ -1,0 +1,394 @@
+// Job files: FillEntry, LoadJobFile, SaveJobFile Files live in
+// a scratch folder under the current directory, addressed in the module's
+// backslash form (OsFullPathName: "Z:\..." natively, "X:\..." under Windows).
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "frame/DeviceClient.h"
+#include "os/Platform.h"
+#include "util/JobFileSeam.h"
+
+typedef CONXDeviceClient DC;
+namespace fs = std::filesystem;
+
+namespace {
+
+class JobFileDir : public ::testing::Test {
+protected:
+    void SetUp() override {
+        static int counter = 0;
+        auto stamp = std::chrono::steady_clock::now().time_since_epoch().count();
+        m_native = "ond_util_jobtest_" + std::to_string(stamp) + "_" + std::to_string(++counter);
+        ASSERT_TRUE(fs::create_directory(m_native));
+        ASSERT_TRUE(OsFullPathName(m_native.c_str(), &m_dir));
+        ASSERT_TRUE(DC::IsAbsolutePath(m_dir)) << m_dir;
+    }
+    void TearDown() override {
+        ondutil::JobFileFailWritesAfter(-1);
+        std::error_code ec;
+        fs::remove_all(m_native, ec);
+    }
+    std::string Path(const std::string& name) const { return m_dir + "\\" + name; }
+    void Write(const std::string& name, const std::string& bytes) {
+        FILE* f = OsOpenFile(Path(name).c_str(), "wb");
+        ASSERT_NE(f, nullptr);
+        ASSERT_EQ(fwrite(bytes.data(), 1, bytes.size(), f), bytes.size());
+        fclose(f);
+    }
+    std::string Read(const std::string& name) {
+        std::string out;
+        FILE* f = OsOpenFile(Path(name).c_str(), "rb");
+        if (!f) return "<missing>";
+        char buffer[4096];
+        size_t n;
+        while ((n = fread(buffer, 1, sizeof buffer, f)) > 0) out.append(buffer, n);
+        fclose(f);
+        return out;
+    }
+    size_t FileCount() {
+        size_t n = 0;
+        for (auto& e : fs::directory_iterator(m_native)) (void)e, ++n;
+        return n;
+    }
+    std::vector<TFILEENTRY> Load(const std::string& content) {
+        Write("job.dcj", content);
+        std::vector<TFILEENTRY> list;
+        EXPECT_EQ(DC::LoadJobFile(Path("job.dcj").c_str(), &list), 1);
+        return list;
+    }
+    static TFILEENTRY Entry(const std::string& path, int id, int type, uint32_t mode) {
+        TFILEENTRY e;
+        e.path = path;
+        e.fileId = (uint8_t)id;
+        e.fileType = (uint8_t)type;
+        e.fileMode = mode;
+        return e;
+    }
+    void ExpectEntry(const TFILEENTRY& e, const std::string& path, int id, int type, uint32_t mode) {
+        EXPECT_EQ(e.path, path);
+        EXPECT_EQ(e.fileId, id);
+        EXPECT_EQ(e.fileType, type);
+        EXPECT_EQ(e.fileMode, mode);
+        EXPECT_EQ(e.reserved, 0u);
+    }
+
+    std::string m_native;  // the folder as the test program's own file API sees it
+    std::string m_dir;     // the same folder in the module's form
+};
+
+class UtilLoadJobFile : public JobFileDir {};
+class UtilSaveJobFile : public JobFileDir {};
+
+}  // namespace
+
+// --- FillEntry ---------------------------------------------------------------
+
+TEST(UtilFillEntry, PathColumn) {
+    std::string base = "C:\\jobs";
+    TFILEENTRY e;
+    std::string text = "a.bin";
+    DC::FillEntry(0, &text, &e, base);
+    EXPECT_EQ(e.path, "C:\\jobs\\a.bin");
+    text = "D:\\x\\..\\y";  // absolute: copied as it stands, no clean-up
+    DC::FillEntry(0, &text, &e, base);
+    EXPECT_EQ(e.path, "D:\\x\\..\\y");
+    text = "\\\\srv\\f";
+    DC::FillEntry(0, &text, &e, base);
+    EXPECT_EQ(e.path, "\\\\srv\\f");
+    text = "..\\up.bin";
+    DC::FillEntry(0, &text, &e, base);
+    EXPECT_EQ(e.path, "C:\\up.bin");
+    text = "..\\..\\far.bin";  // climbs above the start: the text as given
+    DC::FillEntry(0, &text, &e, base);
+    EXPECT_EQ(e.path, "..\\..\\far.bin");
+    std::string noBase;
+    text = "rel.bin";
+    DC::FillEntry(0, &text, &e, noBase);
+    EXPECT_EQ(e.path, "rel.bin");
+}
+
+TEST(UtilFillEntry, DotQuirkOutOfRangeKeepsTheTextUnjoined) {
+    std::string base = "C:\\jobs";
+    TFILEENTRY e;
+    std::string text = ".\\b.bin";
+    EXPECT_NO_THROW(DC::FillEntry(0, &text, &e, base));
+    EXPECT_EQ(e.path, ".\\b.bin");
+}
+
+TEST(UtilFillEntry, NumberColumns) {
+    std::string base;
+    TFILEENTRY e;
+    struct {
+        const char* text;
+        int value;
+    } cases[] = {{"7", 7},   {"300", 44}, {"256", 0},   {"x", 0},     {"", 0},
+                 {" 12", 12}, {"12abc", 12}, {"+5", 5}, {"-1", 255}, {"4294967297", 1}};
+    for (auto& c : cases) {
+        std::string text = c.text;
+        e.fileId = 99;
+        e.fileType = 99;
+        DC::FillEntry(1, &text, &e, base);
+        EXPECT_EQ(e.fileId, c.value) << c.text;
+        DC::FillEntry(2, &text, &e, base);
+        EXPECT_EQ(e.fileType, c.value) << c.text;
+    }
+}
+
+TEST(UtilFillEntry, ModeColumn) {
+    std::string base;
+    TFILEENTRY e;
+    struct {
+        const char* text;
+        uint32_t mode;
+    } cases[] = {{"normal", 0},  {"bit reverse", 1}, {"bit REVERSE", 1}, {"BIT REVERSE", 1},
+                 {"program", 2}, {"Program", 2},     {"Program ", 0},    {"programs", 0},
+                 {"bitreverse", 0}, {"", 0},         {"2", 0}};
+    for (auto& c : cases) {
+        std::string text = c.text;
+        e.fileMode = 99;
+        DC::FillEntry(3, &text, &e, base);
+        EXPECT_EQ(e.fileMode, c.mode) << c.text;
+    }
+    // Compared as C strings (like _stricmp): a NUL byte ends the word.
+    std::string text("PROGRAM\0junk", 12);
+    DC::FillEntry(3, &text, &e, base);
+    EXPECT_EQ(e.fileMode, 2u);
+}
+
+TEST(UtilFillEntry, FurtherColumnsAndNullsAreIgnored) {
+    std::string base = "C:\\x";
+    TFILEENTRY e = {};
+    e.path = "keep";
+    e.fileId = 1;
+    std::string text = "program";
+    DC::FillEntry(4, &text, &e, base);
+    DC::FillEntry(1000, &text, &e, base);
+    EXPECT_EQ(e.path, "keep");
+    EXPECT_EQ(e.fileId, 1);
+    EXPECT_EQ(e.fileMode, 0u);
+    DC::FillEntry(0, nullptr, &e, base);
+    DC::FillEntry(0, &text, nullptr, base);
+    EXPECT_EQ(e.path, "keep");
+}
+
+// --- LoadJobFile ---------------------------------------------------------------
+
+TEST_F(UtilLoadJobFile, LoadMissingFileLeavesListUntouched) {
+    std::vector<TFILEENTRY> list(2);
+    list[0].path = "keep";
+    EXPECT_EQ(DC::LoadJobFile(Path("missing.dcj").c_str(), &list), 0);
+    ASSERT_EQ(list.size(), 2u);
+    EXPECT_EQ(list[0].path, "keep");
+    EXPECT_EQ(DC::LoadJobFile(nullptr, &list), 0);
+    Write("job.dcj", "a\t1\t2\tnormal\n");
+    EXPECT_EQ(DC::LoadJobFile(Path("job.dcj").c_str(), nullptr), 0);
+}
+
+TEST_F(UtilLoadJobFile, LoadClearsTheListFirst) {
+    std::vector<TFILEENTRY> list(3);
+    Write("job.dcj", "");
+    EXPECT_EQ(DC::LoadJobFile(Path("job.dcj").c_str(), &list), 1);
+    EXPECT_TRUE(list.empty());
+}
+
+TEST_F(UtilLoadJobFile, LoadOrdinaryLines) {
+    auto list = Load("a.bin\t1\t2\tnormal\nsub\\b.bin\t3\t4\tbit reverse\nD:\\c.bin\t5\t6\tprogram\n");
+    ASSERT_EQ(list.size(), 3u);
+    ExpectEntry(list[0], Path("a.bin"), 1, 2, 0);
+    ExpectEntry(list[1], Path("sub\\b.bin"), 3, 4, 1);
+    ExpectEntry(list[2], "D:\\c.bin", 5, 6, 2);
+}
+
+TEST_F(UtilLoadJobFile, CrLfLoadsLikeLf) {
+    const std::string lf = "a.bin\t1\t2\tprogram\nb.bin\t3\t4\tbit reverse\n\nc.bin\t5\n";
+    std::string crlf;
+    for (char c : lf) crlf += c == '\n' ? std::string("\r\n") : std::string(1, c);
+    auto a = Load(lf);
+    auto b = Load(crlf);
+    ASSERT_EQ(a.size(), 3u);
+    ASSERT_EQ(a.size(), b.size());
+    for (size_t i = 0; i < a.size(); ++i) {
+        ExpectEntry(b[i], a[i].path, a[i].fileId, a[i].fileType, a[i].fileMode);
+    }
+    // Lone carriage returns end lines too.
+    std::string cr = lf;
+    for (char& c : cr)
+        if (c == '\n') c = '\r';
+    auto c = Load(cr);
+    ASSERT_EQ(c.size(), 3u);
+    ExpectEntry(c[2], Path("c.bin"), 5, 0, 0);
+}
+
+TEST_F(UtilLoadJobFile, LineWithoutTabAddsNothing) {
+    auto list = Load("a.bin\nb.bin\t3\t4\tprogram\n");
+    ASSERT_EQ(list.size(), 1u);
+    ExpectEntry(list[0], Path("b.bin"), 3, 4, 2);
+}
+
+TEST_F(UtilLoadJobFile, LineWithoutTabKeepsPendingType1) {
+    // The tab-less first line fills nothing but the path: type 1 is still pending.
+    auto list = Load("a.bin\nb.bin\t3\n");
+    ASSERT_EQ(list.size(), 1u);
+    ExpectEntry(list[0], Path("b.bin"), 3, 1, 0);
+}
+
+TEST_F(UtilLoadJobFile, LastLineWithoutLineEndIgnoresItsLastField) {
+    auto list = Load("c.bin\t5\t6\tprogram");
+    ASSERT_EQ(list.size(), 1u);
+    ExpectEntry(list[0], Path("c.bin"), 5, 6, 0);
+    list = Load("a.bin\t1\t2\tprogram\nc.bin\t5\t6");
+    ASSERT_EQ(list.size(), 2u);
+    ExpectEntry(list[1], Path("c.bin"), 5, 0, 0);  // type unfilled: 0 after a line
+    list = Load("c.bin\t5");
+    ASSERT_EQ(list.size(), 1u);
+    ExpectEntry(list[0], Path("c.bin"), 0, 1, 0);  // id unfilled, first-line type 1
+}
+
+TEST_F(UtilLoadJobFile, LastLineWithoutTabAndLineEndGivesNoEntry) {
+    auto list = Load("a.bin\t1\t2\tnormal\nd.bin");
+    ASSERT_EQ(list.size(), 1u);
+    EXPECT_EQ(list[0].path, Path("a.bin"));
+}
+
+TEST_F(UtilLoadJobFile, ModeWords) {
+    auto list = Load("a\t1\t1\tbit REVERSE\nb\t1\t1\tProgram \nc\t1\t1\tPROGRAM\nd\t1\t1\twhatever\n");
+    ASSERT_EQ(list.size(), 4u);
+    EXPECT_EQ(list[0].fileMode, 1u);
+    EXPECT_EQ(list[1].fileMode, 0u);
+    EXPECT_EQ(list[2].fileMode, 2u);
+    EXPECT_EQ(list[3].fileMode, 0u);
+}
+
+TEST_F(UtilLoadJobFile, ShortLinesGetThePendingType) {
+    auto list = Load("e.bin\t7\nf.bin\t8\n");
+    ASSERT_EQ(list.size(), 2u);
+    ExpectEntry(list[0], Path("e.bin"), 7, 1, 0);  // first line: type 1
+    ExpectEntry(list[1], Path("f.bin"), 8, 0, 0);  // later: type 0
+}
+
+TEST_F(UtilLoadJobFile, ExtraColumnsAndOddFields) {
+    auto list = Load("a.bin\t300\tx\tprogram\textra\t9\n\t1\t2\tnormal\n");
+    ASSERT_EQ(list.size(), 2u);
+    ExpectEntry(list[0], Path("a.bin"), 44, 0, 2);
+    ExpectEntry(list[1], m_dir + "\\", 1, 2, 0);  // empty path field: the folder joined
+}
+
+TEST_F(UtilLoadJobFile, DotPathsKeepTheirTextAndParentsResolve) {
+    auto list = Load(".\\x.bin\t1\t2\tnormal\n..\\up.bin\t3\t4\tnormal\n");
+    ASSERT_EQ(list.size(), 2u);
+    EXPECT_EQ(list[0].path, ".\\x.bin");  // the "." quirk raised: kept unjoined
+    std::string parent, file;
+    DC::SplitFileName(m_dir, &parent, &file);
+    EXPECT_EQ(list[1].path, parent + "\\up.bin");
+}
+
+TEST_F(UtilLoadJobFile, BytesArePreserved) {
+    const std::string name = std::string("n\xE4me %s %n\x01 x", 13);
+    const std::string withNul = std::string("nu\0l", 4);
+    auto list = Load(name + "\t1\t2\tnormal\n" + withNul + "\t3\t4\tnormal\n");
+    ASSERT_EQ(list.size(), 2u);
+    EXPECT_EQ(list[0].path, Path(name));
+    EXPECT_EQ(list[1].path, Path(withNul));
+}
+
+TEST_F(UtilLoadJobFile, LargeFile) {
+    std::string content;
+    for (int i = 0; i < 50000; ++i) content += "f" + std::to_string(i) + ".bin\t" + std::to_string(i % 256) + "\t1\tprogram\n";
+    auto list = Load(content);
+    ASSERT_EQ(list.size(), 50000u);
+    ExpectEntry(list[49999], Path("f49999.bin"), 49999 % 256, 1, 2);
+}
+
+// --- SaveJobFile ---------------------------------------------------------------
+
+TEST_F(UtilSaveJobFile, SaveWritesBareNamesInItsFolderAndLoadRestoresThem) {
+    std::vector<TFILEENTRY> list = {Entry(Path("a.bin"), 1, 2, 0), Entry(Path("b.bin"), 255, 0, 1),
+                                    Entry(Path("sub\\c.bin"), 3, 4, 2), Entry(Path("d.bin"), 5, 6, 7)};
+    ASSERT_EQ(DC::SaveJobFile(Path("job.dcj").c_str(), &list), 1);
+    EXPECT_EQ(Read("job.dcj"),
+              "a.bin\t1\t2\tnormal\n"
+              "b.bin\t255\t0\tbit reverse\n"
+              "sub\\c.bin\t3\t4\tprogram\n"
+              "d.bin\t5\t6\tnormal\n");
+    std::vector<TFILEENTRY> back;
+    ASSERT_EQ(DC::LoadJobFile(Path("job.dcj").c_str(), &back), 1);
+    ASSERT_EQ(back.size(), 4u);
+    ExpectEntry(back[0], Path("a.bin"), 1, 2, 0);
+    ExpectEntry(back[1], Path("b.bin"), 255, 0, 1);
+    ExpectEntry(back[2], Path("sub\\c.bin"), 3, 4, 2);
+    ExpectEntry(back[3], Path("d.bin"), 5, 6, 0);
+    EXPECT_EQ(FileCount(), 1u);  // no temporary left behind
+}
+
+TEST_F(UtilSaveJobFile, SaveOutsideTheFolder) {
+    std::string parent, file;
+    DC::SplitFileName(m_dir, &parent, &file);
+    std::vector<TFILEENTRY> list = {Entry("Q:\\other\\x.bin", 1, 1, 0), Entry(parent + "\\up.bin", 2, 2, 0),
+                                    Entry("rel.bin", 3, 3, 0)};
+    ASSERT_EQ(DC::SaveJobFile(Path("job.dcj").c_str(), &list), 1);
+    EXPECT_EQ(Read("job.dcj"), "Q:\\other\\x.bin\t1\t1\tnormal\n..\\up.bin\t2\t2\tnormal\nrel.bin\t3\t3\tnormal\n");
+    std::vector<TFILEENTRY> back;
+    ASSERT_EQ(DC::LoadJobFile(Path("job.dcj").c_str(), &back), 1);
+    ASSERT_EQ(back.size(), 3u);
+    EXPECT_EQ(back[0].path, "Q:\\other\\x.bin");
+    EXPECT_EQ(back[1].path, parent + "\\up.bin");
+    EXPECT_EQ(back[2].path, Path("rel.bin"));  // a relative path comes back joined
+}
+
+TEST_F(UtilSaveJobFile, SaveEmptyListAndReplaceExisting) {
+    Write("job.dcj", "old content\n");
+    std::vector<TFILEENTRY> list;
+    ASSERT_EQ(DC::SaveJobFile(Path("job.dcj").c_str(), &list), 1);
+    EXPECT_EQ(Read("job.dcj"), "");
+    EXPECT_EQ(FileCount(), 1u);
+}
+
+TEST_F(UtilSaveJobFile, SavePathBytesVerbatimUpToANul) {
+    std::vector<TFILEENTRY> list = {Entry(Path("100%s %d\xFC.bin"), 1, 2, 0),
+                                    Entry(Path(std::string("cut\0tail", 8)), 3, 4, 0)};
+    ASSERT_EQ(DC::SaveJobFile(Path("job.dcj").c_str(), &list), 1);
+    EXPECT_EQ(Read("job.dcj"), "100%s %d\xFC.bin\t1\t2\tnormal\ncut\t3\t4\tnormal\n");
+}
+
+TEST_F(UtilSaveJobFile, SaveFailsWhenTheFolderIsMissing) {
+    std::vector<TFILEENTRY> list = {Entry("a", 1, 1, 0)};
+    EXPECT_EQ(DC::SaveJobFile(Path("no_such_folder\\job.dcj").c_str(), &list), 0);
+    EXPECT_EQ(DC::SaveJobFile(nullptr, &list), 0);
+    EXPECT_EQ(DC::SaveJobFile(Path("job.dcj").c_str(), nullptr), 0);
+    EXPECT_EQ(FileCount(), 0u);
+}
+
+TEST_F(UtilSaveJobFile, FailedWriteLeavesTheOldFileIntact) {
+    const std::string old = "old.bin\t9\t9\tprogram\n";
+    std::vector<TFILEENTRY> list;
+    for (int i = 0; i < 200; ++i) list.push_back(Entry(Path("file" + std::to_string(i) + ".bin"), i, i, i % 3));
+    const int64_t points[] = {0, 1, 5, 17, 18, 1000, 3000};
+    for (int64_t n : points) {
+        SCOPED_TRACE(n);
+        Write("job.dcj", old);
+        ondutil::JobFileFailWritesAfter(n);
+        EXPECT_EQ(DC::SaveJobFile(Path("job.dcj").c_str(), &list), 0);
+        ondutil::JobFileFailWritesAfter(-1);
+        EXPECT_EQ(Read("job.dcj"), old);
+        EXPECT_EQ(FileCount(), 1u);  // the temporary is gone
+    }
+    // Without the failure the same save goes through.
+    ASSERT_EQ(DC::SaveJobFile(Path("job.dcj").c_str(), &list), 1);
+    std::vector<TFILEENTRY> back;
+    ASSERT_EQ(DC::LoadJobFile(Path("job.dcj").c_str(), &back), 1);
+    ASSERT_EQ(back.size(), 200u);
+    ExpectEntry(back[199], Path("file199.bin"), 199, 199, 199 % 3);
+}
+
+TEST_F(UtilSaveJobFile, FailedWriteOfANewFileCreatesNothing) {
+    std::vector<TFILEENTRY> list = {Entry(Path("a.bin"), 1, 2, 0)};
+    ondutil::JobFileFailWritesAfter(3);
+    EXPECT_EQ(DC::SaveJobFile(Path("new.dcj").c_str(), &list), 0);
+    ondutil::JobFileFailWritesAfter(-1);
+    EXPECT_EQ(FileCount(), 0u);
+}

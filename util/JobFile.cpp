@@ -1,0 +1,225 @@
+// Job files (".dcj") of CONXDeviceClient.
+#include <atomic>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "frame/DeviceClient.h"
+#include "os/Platform.h"
+#include "util/JobFileSeam.h"
+
+namespace {
+
+std::atomic<int64_t> g_failAfter{-1};  // test seam: bytes left before writes fail; <0 = off
+std::atomic<unsigned> g_tempCounter{0};
+
+// fwrite that reports a short write as failure, with the test seam in front.
+bool WriteAll(FILE* f, const char* data, size_t size) {
+    int64_t left = g_failAfter.load();
+    if (left >= 0) {
+        if (static_cast<uint64_t>(left) < size) {
+            if (left > 0) fwrite(data, 1, static_cast<size_t>(left), f);
+            g_failAfter.store(0);
+            return false;
+        }
+        g_failAfter.store(left - static_cast<int64_t>(size));
+    }
+    return fwrite(data, 1, size, f) == size;
+}
+
+// sscanf("%u") as the job file reads ids and types: leading white space, an
+// optional sign, decimal digits (wrapping like the 32-bit result); 0 when no
+// number starts the text. Stops at a NUL like the C string would.
+uint32_t ReadUnsigned(const std::string& text) {
+    const char* p = text.c_str();
+    while (*p == ' ' || *p == '\t' || *p == '\n' || *p == '\v' || *p == '\f' || *p == '\r') ++p;
+    bool negative = false;
+    if (*p == '+' || *p == '-') {
+        negative = *p == '-';
+        ++p;
+    }
+    if (*p < '0' || *p > '9') return 0;
+    uint32_t value = 0;
+    for (; *p >= '0' && *p <= '9'; ++p) value = value * 10u + static_cast<uint32_t>(*p - '0');
+    return negative ? 0u - value : value;
+}
+
+// _stricmp(text, word) == 0, on the C string (ASCII case folding).
+bool EqualsNoCase(const std::string& text, const char* word) {
+    const char* p = text.c_str();
+    for (;; ++p, ++word) {
+        unsigned char a = static_cast<unsigned char>(*p), b = static_cast<unsigned char>(*word);
+        if (a >= 'A' && a <= 'Z') a = static_cast<unsigned char>(a - 'A' + 'a');
+        if (b >= 'A' && b <= 'Z') b = static_cast<unsigned char>(b - 'A' + 'a');
+        if (a != b) return false;
+        if (a == 0) return true;
+    }
+}
+
+void ResetEntry(TFILEENTRY* entry, uint8_t fileType) {
+    entry->path.clear();
+    entry->reserved = 0;
+    entry->fileId = 0;
+    entry->fileType = fileType;
+    entry->fileMode = FILEMODE_NORMAL;
+}
+
+std::string JobFolder(const char* jobPath) {
+    std::string folder;
+    CONXDeviceClient::SplitFileName(jobPath, &folder, nullptr);
+    return folder;
+}
+
+bool FileExists(const std::string& path) {
+    FILE* f = OsOpenFile(path.c_str(), "rb");
+    if (!f) return false;
+    fclose(f);
+    return true;
+}
+
+}  // namespace
+
+namespace ondutil {
+void JobFileFailWritesAfter(int64_t bytesBeforeFailure) {
+    g_failAfter.store(bytesBeforeFailure < 0 ? -1 : bytesBeforeFailure);
+}
+}  // namespace ondutil
+
+void CONXDeviceClient::FillEntry(size_t column, std::string* text, TFILEENTRY* entry,
+                                 std::string& baseFolder) {
+    if (!text || !entry) return;
+    try {
+        switch (column) {
+        case 0:
+            if (IsAbsolutePath(*text)) {
+                entry->path = *text;
+            } else {
+                std::string joined;
+                ConcatenatePathAndFile(baseFolder, *text, &joined);  // 0: joined = the text
+                entry->path = std::move(joined);
+            }
+            break;
+        case 1: entry->fileId = static_cast<uint8_t>(ReadUnsigned(*text)); break;
+        case 2: entry->fileType = static_cast<uint8_t>(ReadUnsigned(*text)); break;
+        case 3:
+            if (EqualsNoCase(*text, "bit reverse"))
+                entry->fileMode = FILEMODE_BITREVERSE;
+            else if (EqualsNoCase(*text, "program"))
+                entry->fileMode = FILEMODE_PROGRAM;
+            else
+                entry->fileMode = FILEMODE_NORMAL;
+            break;
+        default: break;
+        }
+    } catch (const std::out_of_range&) {
+        // ConcatenatePathAndFile's "." quirk raised: keep the text as given, unjoined.
+        try {
+            entry->path = *text;
+        } catch (...) {
+        }
+    } catch (...) {
+        // Out of memory: the entry keeps what it had.
+    }
+}
+
+int CONXDeviceClient::LoadJobFile(const char* jobPath, std::vector<TFILEENTRY>* list) {
+    if (!jobPath || !list) return 0;
+    FILE* f = OsOpenFile(jobPath, "rb");
+    if (!f) return 0;
+    try {
+        std::string jobFolder = JobFolder(jobPath);
+        list->clear();
+        TFILEENTRY entry;
+        ResetEntry(&entry, 1);  // the first pending entry has type 1, later ones 0
+        std::string field;
+        size_t column = 0;
+        // On the heap: the script worker that runs job files has a 64 KiB stack.
+        std::vector<char> buffer(16384);
+        size_t got;
+        while ((got = fread(buffer.data(), 1, buffer.size(), f)) > 0) {
+            for (size_t i = 0; i < got; ++i) {
+                const char c = buffer[i];
+                if (c == '\t') {
+                    FillEntry(column, &field, &entry, jobFolder);
+                    field.clear();
+                    ++column;
+                } else if (c == '\n' || c == '\r') {
+                    FillEntry(column, &field, &entry, jobFolder);
+                    if (column != 0) {
+                        list->push_back(entry);
+                        ResetEntry(&entry, 0);
+                    }
+                    field.clear();
+                    column = 0;
+                } else {
+                    field.push_back(c);
+                }
+            }
+        }
+        // End of file (a read error counts as one): the field being read is not filled in.
+        if (column != 0) list->push_back(entry);
+    } catch (...) {
+        fclose(f);
+        return 0;
+    }
+    fclose(f);
+    return 1;
+}
+
+int CONXDeviceClient::SaveJobFile(const char* jobPath, std::vector<TFILEENTRY>* list) {
+    if (!jobPath || !list) return 0;
+    std::string tempPath;  // set only once this call created the file
+    FILE* f = nullptr;
+    try {
+        // A temporary file beside the job file, put in its place only once complete.
+        const unsigned stamp = static_cast<unsigned>(OsTickCount());
+        for (int attempt = 0; attempt < 100 && !f; ++attempt) {
+            char suffix[40];
+            snprintf(suffix, sizeof suffix, ".%08x%04x.tmp", stamp, g_tempCounter.fetch_add(1) & 0xFFFFu);
+            std::string candidate = std::string(jobPath) + suffix;
+            if (FileExists(candidate)) continue;
+            f = OsOpenFile(candidate.c_str(), "wb");
+            if (!f) return 0;
+            tempPath.swap(candidate);  // no-throw
+        }
+        if (!f) return 0;
+
+        std::string jobFolder = JobFolder(jobPath);
+        std::string relative;
+        std::string line;
+        bool good = true;
+        for (const TFILEENTRY& entry : *list) {
+            MakeRelativePath(jobFolder, entry.path, &relative);
+            // "%s\t%u\t%u\t%s\n": the path as a C string (up to a NUL byte).
+            line.assign(relative.c_str());
+            char numbers[32];
+            snprintf(numbers, sizeof numbers, "\t%u\t%u\t", static_cast<unsigned>(entry.fileId),
+                     static_cast<unsigned>(entry.fileType));
+            line += numbers;
+            line += entry.fileMode == FILEMODE_BITREVERSE ? "bit reverse"
+                    : entry.fileMode == FILEMODE_PROGRAM  ? "program"
+                                                          : "normal";
+            line += '\n';
+            if (!WriteAll(f, line.data(), line.size())) {
+                good = false;
+                break;
+            }
+        }
+        if (good && fflush(f) != 0) good = false;
+        if (good && ferror(f)) good = false;
+        const bool closed = fclose(f) == 0;
+        f = nullptr;
+        if (!good || !closed || !OsReplaceFile(tempPath.c_str(), jobPath)) {
+            OsRemoveFile(tempPath.c_str());
+            return 0;
+        }
+        return 1;
+    } catch (...) {
+        if (f) fclose(f);
+        if (!tempPath.empty()) OsRemoveFile(tempPath.c_str());
+        return 0;
+    }
+}
