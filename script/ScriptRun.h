@@ -11,6 +11,7 @@ class COndDeviceComm_0;
 class CONXScriptVariable;
 class CONXScriptSysFunc;
 class CONXScriptExecContext;
+class CONXOperatorPrompt_0;
 
 // All script output: a NUL-terminated 8-bit text, from the thread that runs the script.
 typedef void (*TSCRIPTOUTPUTFUNC)(void* context, const char* text);
@@ -58,6 +59,9 @@ public:
 
     TSCRIPTLIMITS m_limits;
     std::vector<TSCRIPTSYSFUNCFACTORY> m_sysFuncFactories;  // in registration order
+    // Who answers the user-input built-ins (dialogs, a console, a test); null
+    // when nobody can be asked. Not owned.
+    CONXOperatorPrompt_0* m_pOperator = nullptr;
     // The run in progress on this context (null between runs); for the engine.
     CONXScriptExecContext* m_pExec = nullptr;
 
