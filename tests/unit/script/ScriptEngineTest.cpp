@@ -1,0 +1,209 @@
+// Parser, evaluator and engine, seen through whole runs.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "os/Platform.h"
+#include "script/ScriptErrors.h"
+#include "script/ScriptFunc.h"
+#include "script/ScriptValue.h"
+#include "ScriptTestRun.h"
+
+namespace {
+
+std::string Out(const std::string& text) {
+    TSCRIPTTESTRUN r = ScriptTestRun(text);
+    EXPECT_EQ(r.code, 0u) << r.output;
+    return r.output;
+}
+
+TEST(ScriptEval, RightToLeftWithoutPrecedence) {
+    EXPECT_EQ(Out("print(10 - 4 - 3, \",\", (10 - 4) - 3, \",\", 2 * 3 + 4, \",\", 1 + 2 * 3);"),
+              "9,3,14,7");
+    EXPECT_EQ(Out("print(-2 + 5, \",\", !0 == 0, \",\", ~0 + 1);"), "-7,0,-2");
+    EXPECT_EQ(Out("var uint32 x; x = 3; print(x == 1 | 2);"), "1");  // x == (1 | 2)
+}
+
+TEST(ScriptEval, LeftOperandIsReadBeforeTheRestRuns) {
+    // The call in the rest changes g; the left operand must be the old value.
+    EXPECT_EQ(Out("var int32 g; func bump() { g += 10; bump = 1; } g = 1; print(g + bump(), \",\", g);"),
+              "2,11");
+    // Without a call the variable is read in place; same result.
+    EXPECT_EQ(Out("var int32 g; g = 1; print(g + g * 2);"), "3");
+}
+
+TEST(ScriptEval, ConversionsAndLiterals) {
+    EXPECT_EQ(Out("print(uint32(-1), \",\", int64(0xFFFFFFFF:U), \",\", int32(0x1FFFFFFFF));"),
+              "4294967295,4294967295,-1");
+    TSCRIPTTESTRUN r = ScriptTestRun("print(string(5));");
+    EXPECT_EQ(r.code, SCRIPT_ERR_TYPE);
+    EXPECT_EQ(Out("var int32 dword; dword = 3; print(dword);"), "3");  // a variable named like a type
+}
+
+TEST(ScriptParser, StructureAndScopes) {
+    // A function defined before a declaration does not see it.
+    EXPECT_EQ(ScriptTestRun("func f() { v = 1; } var int32 v;").code, SCRIPT_ERR_UNKNOWNIDENT);
+    // A nested function does not see the enclosing parameters; a block does.
+    EXPECT_EQ(ScriptTestRun("func f(var int32 p) { func g() { p = 1; } }").code, SCRIPT_ERR_UNKNOWNIDENT);
+    EXPECT_EQ(Out("func f(var int32 p) { if (1) { print(p); } } f(4);"), "4");
+    // Keywords and type names in any case.
+    EXPECT_EQ(Out("VAR INT32 a; FUNC F() { } WHILE (a < 2) { a += 1; } IF (a == 2) { print(a); } ELSE { }"),
+              "2");
+    EXPECT_EQ(ScriptTestRun("").code, 0u);
+    EXPECT_EQ(ScriptTestRun("} a = 1;").code, SCRIPT_ERR_UNEXPECTEDTOKEN);
+    EXPECT_EQ(ScriptTestRun("var int64 a").code, SCRIPT_ERR_SYNTAX);
+    EXPECT_EQ(ScriptTestRun("var int32 a; a = 1").code, SCRIPT_ERR_SYNTAX);
+    EXPECT_EQ(ScriptTestRun("if (1) { } else print(1);").code, SCRIPT_ERR_UNEXPECTEDTOKEN);
+    EXPECT_EQ(ScriptTestRun("func f() { print(1);").code, SCRIPT_ERR_UNEXPECTEDTOKEN);
+    EXPECT_EQ(ScriptTestRun("func f(var int32 a, ) { }").code, SCRIPT_ERR_SYNTAX);
+    EXPECT_EQ(ScriptTestRun("var short s;").code, SCRIPT_ERR_UNKNOWNTYPE);
+}
+
+TEST(ScriptParser, BuildsNamedStatementObjects) {
+    CONXScriptFunc program;
+    program.SetName("@MAIN");
+    CONXScriptCursor cursor("var int32 a;\nif (a) { while (a) { } } else { var string s; }\na = 1;");
+    ASSERT_EQ(program.ParseBody(&cursor, 0), 0u);
+    ASSERT_EQ(program.m_statements.size(), 2u);
+    EXPECT_EQ(program.m_statements[0], 12u);  // before the line feed: the position before whitespace
+    CONXScriptObject* found = nullptr;
+    ASSERT_GE(program.FindName("@N12", nullptr, &found), 0);
+    EXPECT_EQ(found->GetObjectKind(), (uint32_t)SCRIPT_OBJ_IF);
+    CONXScriptIfStatement* block = static_cast<CONXScriptIfStatement*>(found);
+    EXPECT_EQ(block->m_statements.size(), 1u);
+    EXPECT_EQ(block->m_elseStatements.size(), 0u);  // a declaration is no statement
+    int32_t which = -1;
+    EXPECT_GE(block->FindName("s", &which, &found), 0);
+    EXPECT_EQ(which, SCRIPT_LIST_LOCALS);  // else-block declarations belong to the if object
+    EXPECT_GE(block->FindName("A", &which, &found), 0);
+    EXPECT_EQ(which, SCRIPT_LIST_OUTER);
+}
+
+TEST(ScriptEngine, CallsAndArguments) {
+    EXPECT_EQ(ScriptTestRun("func f(var int32 a) { } f(1, 2);").code, SCRIPT_ERR_PARAMCOUNT);
+    EXPECT_EQ(ScriptTestRun("func f(var int32 a) { } f();").code, SCRIPT_ERR_PARAMCOUNT);
+    EXPECT_EQ(ScriptTestRun("func f(var string a) { } f(1);").code, SCRIPT_ERR_TYPE);
+    EXPECT_EQ(ScriptTestRun("func f(var int32 a) { } f(&1);").code, SCRIPT_ERR_UNEXPECTEDTOKEN);
+    EXPECT_EQ(ScriptTestRun("func f(var uint32 a) { } var int32 v; f(&v);").code, SCRIPT_ERR_TYPE);
+    EXPECT_EQ(Out("func inc(var int32 a) { a += 1; } var int32 v; inc(&v); inc(&v); print(v);"), "2");
+    EXPECT_EQ(Out("func f(var int32 a) { f = a + 1; } print(f(f(f(1))));"), "4");
+    EXPECT_EQ(Out("func fact(var uint64 n) { fact = 1; if (n > 1) { var uint64 r; r = n * fact(n - 1); "
+                  "print(\"\"); } } print(fact(3));"),
+              "1");  // the block cannot assign the function's name; its r is lost
+}
+
+TEST(ScriptEngine, FunctionNameInsideABlockIsACall) {
+    // Inside an if block the function's name is no result target: it is a call without "(".
+    EXPECT_EQ(ScriptTestRun("func f() { if (1) { f = 1; } }").code, SCRIPT_ERR_UNEXPECTEDTOKEN);
+}
+
+TEST(ScriptEngine, StopRequestEndsALoop) {
+    CONXScriptRunContext context;
+    context.m_sysFuncFactories.push_back(ScriptTestPrintFactory);
+    std::thread stopper([&context] {
+        OsSleep(50);
+        context.RequestStop();
+    });
+    TSCRIPTTESTRUN r = ScriptTestRun("while (1) { }", &context);
+    stopper.join();
+    EXPECT_EQ(r.code, SCRIPT_ERR_ABORTED);
+    EXPECT_EQ(r.output.rfind("Processing aborted near line 1/", 0), 0u) << r.output;
+    EXPECT_NE(r.output.find("during executing\n"), std::string::npos);
+    // The next run resets the event.
+    EXPECT_EQ(ScriptTestRun("print(1);", &context).code, 0u);
+}
+
+TEST(ScriptEngine, StepBudgetEndsEndlessLoops) {
+    CONXScriptRunContext context;
+    context.m_limits.maxSteps = 1000;
+    TSCRIPTTESTRUN r = ScriptTestRun("var int32 i; while (1) { i += 1; }", &context);
+    EXPECT_EQ(r.code, SCRIPT_ERR_ABORTED);
+    context.m_limits.maxSteps = 100000;
+    EXPECT_EQ(ScriptTestRun("var int32 i; while (i < 100) { i += 1; } print(i);", &context).output, "100");
+}
+
+TEST(ScriptEngine, ExternalVariablesAndFunctionRuns) {
+    CONXScriptRunContext context;
+    context.m_sysFuncFactories.push_back(ScriptTestPrintFactory);
+    CONXScriptVariable counter;
+    counter.SetName("Counter");
+    ASSERT_EQ(counter.SetNumber(41, SCRIPT_TYPE_INT32), 0u);
+    std::vector<CONXScriptVariable*> externals = {&counter};
+    std::string out;
+    uint32_t code = RunScript(&context, nullptr, "counter += 1;", "", &externals, nullptr, nullptr,
+                              ScriptTestCollect, &out, nullptr);
+    EXPECT_EQ(code, 0u);
+    EXPECT_EQ(counter.GetNumber(), 42u);
+    // Running one function of a program with arguments converted to its parameters.
+    CONXScriptVariable arg, result;
+    ASSERT_EQ(arg.SetNumber(20, SCRIPT_TYPE_INT64), 0u);
+    std::vector<CONXScriptVariable*> args = {&arg};
+    code = RunScript(&context, nullptr, "var int32 g; print(\"main\"); func twice(var int32 a) { twice = a * 2 + g; }",
+                     "", nullptr, "TWICE", &args, ScriptTestCollect, &out, &result);
+    EXPECT_EQ(code, 0u);
+    EXPECT_EQ(out, "");  // the main statements do not run
+    EXPECT_EQ(result.GetType(), (uint32_t)SCRIPT_TYPE_INT32);
+    EXPECT_EQ(result.GetNumber(), 40u);
+    EXPECT_EQ(RunScript(&context, nullptr, "func f() { }", "", nullptr, "g", nullptr, nullptr, nullptr, nullptr),
+              SCRIPT_ERR_UNKNOWNIDENT);
+}
+
+TEST(ScriptErrors, TextsAndClasses) {
+    EXPECT_STREQ(ErrorText(0), "No error");
+    EXPECT_STREQ(ErrorText(1), "out of memory error");
+    EXPECT_STREQ(ErrorText(13), "Processing aborted");
+    EXPECT_STREQ(ErrorText(14), "Unknown error");
+    EXPECT_STREQ(ErrorText(0x10000005), "User Error");
+    EXPECT_STREQ(ErrorText(0x20000001), "Unknown error class");
+}
+
+TEST(ScriptErrors, Positions) {
+    uint64_t line = 9, column = 9;
+    LineAndColumn("ab\r\ncd\nx", 6, &line, &column);
+    EXPECT_EQ(line, 1u);
+    EXPECT_EQ(column, 2u);
+    LineAndColumn("a\0b\nc", 5, &line, &column);  // stops at the NUL
+    EXPECT_EQ(line, 0u);
+    EXPECT_EQ(column, 1u);
+    TSCRIPTTESTRUN r = ScriptTestRun("$");
+    EXPECT_EQ(r.output, "Unexpected token near line 1/column 1 (offset 0) during parsing\n");
+    // The token start is before the whitespace: an error on the first token of a
+    // line is reported at the end of the previous one.
+    r = ScriptTestRun("var int32 a;\r\n  b = 1;");
+    EXPECT_EQ(r.output, "Unknown identifier near line 1/column 13 (offset 12) during parsing\n");
+    r = ScriptTestRun("var int32 a;\na = 7 / 0;");
+    EXPECT_EQ(r.output, "Division by 0 error near line 2/column 10 (offset 22) during executing\n");
+}
+
+TEST(ScriptErrors, OnlyFailuresAreReportedAndOnlyWithASink) {
+    CONXScriptRunContext context;
+    EXPECT_EQ(RunScript(&context, nullptr, "x = 1;", "", nullptr, nullptr, nullptr, nullptr, nullptr,
+                        nullptr),
+              SCRIPT_ERR_UNKNOWNIDENT);
+    // A user-class code with zero low bits (what exit returns) is not reported.
+    struct TExit : CONXScriptSysFunc {
+        TExit() : CONXScriptSysFunc("quit", nullptr, nullptr) {}
+        uint32_t Execute(CONXScriptRunContext*, CONXScriptFunc*, const TSCRIPTARGS&,
+                         CONXScriptVariable*) override {
+            return SCRIPT_ERR_EXIT;
+        }
+    };
+    context.m_sysFuncFactories.push_back(ScriptTestPrintFactory);
+    context.m_sysFuncFactories.push_back([](const TSCRIPTSYSFUNCENV&, std::vector<CONXScriptSysFunc*>* list) {
+        list->push_back(new TExit);
+    });
+    TSCRIPTTESTRUN r = ScriptTestRun("func f() { quit(); print(2); } print(1); f(); print(3);", &context);
+    EXPECT_EQ(r.code, SCRIPT_ERR_EXIT);
+    EXPECT_EQ(r.output, "1");
+}
+
+TEST(ScriptTestPrint, FormatsByType) {
+    EXPECT_EQ(Out("var uint32 d; var int32 i; var uint64 u; var int64 s; d = 0xFFFFFFFF:U; i = -5; "
+                  "u = 0xFFFFFFFFFFFFFFFF:U; s = 0x8000000000000000; print(d, i, u, s, \"a\\0b\");"),
+              "4294967295-518446744073709551615-9223372036854775808a\\0b");
+    EXPECT_EQ(Out("print();"), "");
+}
+
+}  // namespace

@@ -1,0 +1,77 @@
+// Stack safety: on the Script Processor's 64 KiB worker stack, deep recursion
+// and deep nesting end the run with "out of memory error" instead of crashing.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "os/Platform.h"
+#include "script/ScriptErrors.h"
+#include "ScriptTestRun.h"
+
+namespace {
+
+struct TJOB {
+    std::string text;
+    TSCRIPTTESTRUN result;
+};
+
+TSCRIPTTESTRUN RunOnWorkerStack(const std::string& text) {
+    TJOB job;
+    job.text = text;
+    COsThread thread;
+    EXPECT_TRUE(thread.Start(65536, [](void* p) {
+        TJOB* j = static_cast<TJOB*>(p);
+        j->result = ScriptTestRun(j->text);
+    }, &job));
+    thread.Join();
+    return job.result;
+}
+
+std::string Repeat(const char* piece, int n) {
+    std::string s;
+    for (int i = 0; i < n; i++) s += piece;
+    return s;
+}
+
+void ExpectOutOfStack(const TSCRIPTTESTRUN& r, const char* phase) {
+    EXPECT_EQ(r.code, SCRIPT_ERR_OUTOFMEMORY);
+    EXPECT_EQ(r.output.rfind("out of memory error near line ", 0), 0u) << r.output;
+    if (phase)
+        EXPECT_NE(r.output.find(std::string("during ") + phase + "\n"), std::string::npos) << r.output;
+}
+
+TEST(ScriptStack, EndlessRecursionEndsTheRun) {
+    ExpectOutOfStack(RunOnWorkerStack("func f(var int64 n) { f = f(n + 1); }\nvar int64 x;\nx = f(0);"),
+                     "executing");
+}
+
+TEST(ScriptStack, RecursionThroughBlocksAndFuncParameters) {
+    ExpectOutOfStack(RunOnWorkerStack("func g(func h, var int32 n) { if (n >= 0) { while (1) { "
+                                      "g(&h, n + 1); } } }\nfunc k() { }\ng(&k, 0);"),
+                     "executing");
+}
+
+TEST(ScriptStack, DeepNestingInTheSource) {
+    ExpectOutOfStack(RunOnWorkerStack("var int32 x; x = " + Repeat("(", 100000) + "1" +
+                                      Repeat(")", 100000) + ";"),
+                     "parsing");
+    ExpectOutOfStack(RunOnWorkerStack(Repeat("if (1) { ", 100000) + Repeat("} ", 100000)), "parsing");
+    // Long operator chains: the syntax check may get through them when the
+    // compiler turns its tail calls into jumps; evaluation cannot.
+    ExpectOutOfStack(RunOnWorkerStack("var int32 x; x = " + Repeat("- ", 100000) + "1;"), nullptr);
+    ExpectOutOfStack(RunOnWorkerStack("var int32 x; x = 1" + Repeat(" + 1", 100000) + ";"), nullptr);
+    ExpectOutOfStack(RunOnWorkerStack(Repeat("func f() { ", 100000) + Repeat("} ", 100000)), "parsing");
+}
+
+TEST(ScriptStack, OrdinaryDepthStillWorks) {
+    // fib(15): 15 levels of user calls, each through an if/else block.
+    TSCRIPTTESTRUN r = RunOnWorkerStack(
+        "func fib(var int32 n) { var int32 r; if (n < 2) { r = n; } else { r = fib(n - 1) + fib(n - 2); } "
+        "fib = r; }\nprint(fib(15));");
+    EXPECT_EQ(r.code, 0u) << r.output;
+    EXPECT_EQ(r.output, "610");
+    r = RunOnWorkerStack("var int32 x; x = " + Repeat("(", 50) + "2" + Repeat(")", 50) + "; print(x);");
+    EXPECT_EQ(r.output, "2");
+}
+
+}  // namespace
