@@ -175,6 +175,15 @@ void Layout(HWND hwnd) {
     MoveWindow(g_host.log, 8, y, client.right - 16, client.bottom - y - 8, TRUE);
 }
 
+void CreateLog(HWND hwnd) {
+    g_host.log = CreateWindowExA(WS_EX_CLIENTEDGE, "LISTBOX", "",
+                                 WS_CHILD | WS_VISIBLE | WS_VSCROLL | LBS_NOINTEGRALHEIGHT, 0, 0,
+                                 10, 10, hwnd, reinterpret_cast<HMENU>(intptr_t(IDC_LOG)),
+                                 GetModuleHandleA(nullptr), nullptr);
+    SendMessageA(g_host.log, WM_SETFONT,
+                 reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), FALSE);
+}
+
 void CreateControls(HWND hwnd) {
     HINSTANCE instance = GetModuleHandleA(nullptr);
     HFONT font = static_cast<HFONT>(GetStockObject(DEFAULT_GUI_FONT));
@@ -193,11 +202,6 @@ void CreateControls(HWND hwnd) {
     }
     HWND open = make("BUTTON", "Channel open", BS_AUTOCHECKBOX | WS_TABSTOP, IDC_CHANNELOPEN);
     SendMessageA(open, BM_SETCHECK, BST_CHECKED, 0);
-    g_host.log = CreateWindowExA(WS_EX_CLIENTEDGE, "LISTBOX", "",
-                                 WS_CHILD | WS_VISIBLE | WS_VSCROLL | LBS_NOINTEGRALHEIGHT, 0, 0,
-                                 10, 10, hwnd, reinterpret_cast<HMENU>(intptr_t(IDC_LOG)),
-                                 instance, nullptr);
-    SendMessageA(g_host.log, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
 }
 
 // The dialogs are pop-ups owned by this window; each new one is put over its
@@ -224,6 +228,7 @@ LRESULT CALLBACK HostWindowProc(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lPara
     switch (msg) {
         case WM_CREATE:
             g_host.window = hwnd;
+            CreateLog(hwnd);
             CreateObjects();
             CreateControls(hwnd);
             Layout(hwnd);

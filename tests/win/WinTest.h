@@ -51,3 +51,4 @@ void SetScreenshotFolder(const std::string& folder);
 void TestApp();
 void TestDialogs();
 void TestTemplates();
+void TestHost();

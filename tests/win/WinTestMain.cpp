@@ -71,6 +71,7 @@ int main(int argc, char** argv) {
     TestApp();
     TestDialogs();
     TestTemplates();
+    TestHost();
 
     std::printf("%d passed, %d failed\n", g_passed, g_failed);
     return g_failed == 0 && g_passed > 0 ? 0 : 1;
