@@ -7,6 +7,10 @@
 // owner and channel, the status timer, the channel status text, anchoring of
 // controls on resize and two list-box utilities.
 //
+// A derived dialog handles a message of its own (WM_GETMINMAXINFO, a worker's
+// WM_APP message) by overriding OnMessage and passing everything else on to
+// its base; buttons arrive in OnCommand.
+//
 // The window code lives in frame/win32/Dialog.cpp; frame/posix/Dialog.cpp is
 // the build without a window system, where a dialog's window never exists.
 // Message parameters are carried as uintptr_t (WPARAM) and intptr_t (LPARAM,

@@ -175,13 +175,19 @@ HWND CONXDialogBase::GetDlgItem(uint32_t id) const {
 CONXDialog::CONXDialog(uint32_t templateId, HWND) : m_nTemplateId(templateId) {}
 
 CONXDialog::~CONXDialog() {
-    if (m_hWnd) OndApp().UnregisterDialog(m_hWnd);
+    if (m_hWnd) {
+        // The window goes before its icon, and no handler runs for it now.
+        OndApp().UnregisterDialog(m_hWnd);
+        SetWindowLongPtrA(m_hWnd, GWLP_USERDATA, 0);
+        if (IsWindow(m_hWnd)) ::DestroyWindow(m_hWnd);
+        m_hWnd = nullptr;
+    }
     if (m_hIcon) DestroyIcon(static_cast<HICON>(m_hIcon));
 }
 
 bool CONXDialog::OnInitDialog() {
     CONXDialogBase::OnInitDialog();
-    if (m_hIcon) SendMessageA(m_hWnd, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(m_hIcon));
+    SendMessageA(m_hWnd, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(m_hIcon));
     SetWindowLongPtrA(m_hWnd, GWL_EXSTYLE, GetWindowLongPtrA(m_hWnd, GWL_EXSTYLE) | WS_EX_APPWINDOW);
     OndApp().RegisterDialog(m_hWnd);
     if (m_pDeviceComm) StartStatusTimer();
