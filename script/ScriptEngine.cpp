@@ -35,7 +35,7 @@ CONXScriptFunc* StatementObject(CONXScriptFunc* scope, TSCRIPTTOKEN* keyword, ui
         keyword->cacheScope = scope;
         keyword->cacheObject = object;
     }
-    if (!object || object->GetObjectKind() != kind) return nullptr;
+    if (!object || object->KindTag() != kind) return nullptr;
     return static_cast<CONXScriptFunc*>(object);
 }
 
@@ -43,6 +43,9 @@ CONXScriptFunc* StatementObject(CONXScriptFunc* scope, TSCRIPTTOKEN* keyword, ui
 uint32_t Condition(CONXScriptExecContext* context, CONXScriptFunc* scope, uint64_t* value) {
     uint32_t err;
     if ((err = ExpectPunct(context, '('))) return err;
+    TSCRIPTTOKEN* first = context->Upcoming();
+    uint32_t type;
+    if (first && ScriptFastValue(context, scope, first, &type, value)) return ExpectPunct(context, ')');
     CONXScriptVarStack::TMARK mark = context->vars.Mark();
     CONXScriptVariable* condition;
     if ((err = scope->EvalRef(context, &condition))) return err;
@@ -87,7 +90,7 @@ uint32_t CONXScriptFunc::EnterBody(CONXScriptExecContext* context, const TSCRIPT
         if (local->KindTag() != SCRIPT_OBJ_TEMPLATE) continue;
         CONXScriptVarTemplate* tmpl = static_cast<CONXScriptVarTemplate*>(local);
         CONXScriptVariable* v = context->vars.Push();
-        v->InitFast(tmpl);
+        v->InitFrame(tmpl);
         context->Bind(&tmpl->m_pCurrent, v);
     }
     for (uint64_t offset : statements) {
@@ -131,11 +134,13 @@ uint32_t CONXScriptFunc::ExecStatement(CONXScriptExecContext* context, uint64_t 
         CONXScriptFunc* block = StatementObject(this, t, offset, SCRIPT_OBJ_WHILE);
         if (!block) return SCRIPT_ERR_UNKNOWNIDENT;
         uint64_t loop = context->position;
+        TSCRIPTTOKEN* loopToken = context->Upcoming();
         for (;;) {
             // The only place where the engine itself looks at the stop request.
             if (context->stopEvent && context->stopEvent->IsSet()) return SCRIPT_ERR_ABORTED;
             if (context->Step()) return SCRIPT_ERR_ABORTED;
-            context->position = loop;
+            if (loopToken) context->PutBack(loopToken);
+            else context->position = loop;
             uint64_t value = 0;
             if ((err = Condition(context, this, &value))) return err;
             if ((err = ExpectPunct(context, '{'))) return err;
@@ -143,7 +148,7 @@ uint32_t CONXScriptFunc::ExecStatement(CONXScriptExecContext* context, uint64_t 
             if ((err = block->EnterBody(context, block->m_statements))) return err;
         }
     }
-    context->position = offset;
+    context->PutBack(t);
     return ExecSimple(context);
 }
 
@@ -153,7 +158,6 @@ uint32_t CONXScriptFunc::ExecuteSimpleStatement(CONXScriptExecContext* context) 
 }
 
 uint32_t CONXScriptFunc::ExecSimple(CONXScriptExecContext* context) {
-    uint64_t start = context->position;
     TSCRIPTTOKEN* t = context->Next();
     if (t->error) return t->error;
     if (t->kind != SCRIPT_TOK_IDENT) return SCRIPT_ERR_UNEXPECTEDTOKEN;
@@ -194,7 +198,7 @@ uint32_t CONXScriptFunc::ExecSimple(CONXScriptExecContext* context) {
         return 0;
     }
     // A call: evaluated as an expression whose value nobody uses.
-    context->position = start;
+    context->PutBack(t);
     return Eval(context, nullptr);
 }
 
@@ -206,15 +210,13 @@ uint32_t ScriptCallFunction(CONXScriptExecContext* context, CONXScriptFunc* scop
     if ((err = ExpectPunct(context, '('))) return err;
     CONXScriptVarStack::TMARK mark = context->vars.Mark();
     size_t base = context->arguments.size();
-    uint64_t p = context->position;
-    const TSCRIPTTOKEN* t = context->Next();
+    TSCRIPTTOKEN* t = context->Next();
     if (t->error) return t->error;
     if (!IsPunct(t, ')')) {
-        context->position = p;
+        context->PutBack(t);
         for (size_t i = 0;; i++) {
             CONXScriptObject* param = callee->GetParameter(i);
             uint32_t paramTag = param ? param->KindTag() : SCRIPT_OBJ_PLAIN;
-            p = context->position;
             t = context->Next();
             if (t->error) return t->error;
             if (t->kind == SCRIPT_TOK_OP && t->op == SCRIPT_OP_AND) {
@@ -243,7 +245,7 @@ uint32_t ScriptCallFunction(CONXScriptExecContext* context, CONXScriptFunc* scop
                     return SCRIPT_ERR_TYPE;
                 }
             } else {
-                context->position = p;
+                context->PutBack(t);
                 CONXScriptVariable* v = context->vars.Push();
                 if (paramTag == SCRIPT_OBJ_TEMPLATE)
                     v->InitFast(static_cast<CONXScriptVarTemplate*>(param));
@@ -321,7 +323,7 @@ uint32_t CONXScriptFunc::ExecuteFunction(CONXScriptExecContext* context, const c
         if (local->KindTag() != SCRIPT_OBJ_TEMPLATE) continue;
         CONXScriptVarTemplate* tmpl = static_cast<CONXScriptVarTemplate*>(local);
         CONXScriptVariable* v = context->vars.Push();
-        v->InitFast(tmpl);
+        v->InitFrame(tmpl);
         context->Bind(&tmpl->m_pCurrent, v);
     }
     size_t base = context->arguments.size();

@@ -38,10 +38,20 @@ bool RestMayCall(CONXScriptExecContext* context, TSCRIPTTOKEN* op) {
     if (op->restCall) return op->restCall == 2;
     int32_t i = context->IndexOf(op);
     if (i < 0) return true;
+    // One pass answers for every operator of the chain at this level: each
+    // may call if a call follows it. A very long scan just assumes a call.
+    const int32_t kMaxScan = 4096;
+    TSCRIPTTOKEN* chain[64];
+    int32_t chained = 0;
+    chain[chained++] = op;
     bool call = false;
     int32_t depth = 0;
     for (int32_t k = i + 1;; k++) {
         TSCRIPTTOKEN* t = context->TokenByIndex(k);
+        if (k - i > kMaxScan) {
+            call = true;
+            break;
+        }
         if (t->error || t->kind == SCRIPT_TOK_END) break;
         if (t->kind == SCRIPT_TOK_PUNCT) {
             if (t->punct == '(') depth++;
@@ -49,17 +59,15 @@ bool RestMayCall(CONXScriptExecContext* context, TSCRIPTTOKEN* op) {
             else if (depth == 0 && (t->punct == ';' || t->punct == ',' || t->punct == '{')) break;
         } else if (t->kind == SCRIPT_TOK_IDENT) {
             TSCRIPTTOKEN* n = context->TokenByIndex(k + 1);
-            if (!n->error && IsPunct(n, '(')) {
-                call = true;
-                break;
-            }
+            if (!n->error && IsPunct(n, '(')) call = true;
+        } else if (depth == 0 && !call && chained < 64 && (OpClass(t) & SCRIPT_OPCLASS_BINARY)) {
+            chain[chained++] = t;
         }
-        if (t->kind != SCRIPT_TOK_END && context->TokenAt(t->end) == nullptr) {
-            call = true;  // beyond the prepared tokens: assume the worst
-            break;
-        }
+        if (call) break;
     }
-    op->restCall = call ? 2 : 1;
+    // Operators met before the first call have a call after them, if any; those
+    // after it were never reached, so only the ones seen are settled.
+    for (int32_t c = 0; c < chained; c++) chain[c]->restCall = call ? 2 : 1;
     return call;
 }
 
@@ -84,7 +92,8 @@ uint32_t CONXScriptFunc::EvaluateExpression(CONXScriptExecContext* context,
 }
 
 uint32_t CONXScriptFunc::EvalRef(CONXScriptExecContext* context, CONXScriptVariable** value) {
-    TSCRIPTTOKEN* t = context->TokenAt(context->position);
+    TSCRIPTTOKEN* t = context->Upcoming();
+    if (!t) t = context->TokenAt(context->position);
     if (t && !t->error) {
         int32_t i = context->IndexOf(t);
         TSCRIPTTOKEN* after = t->kind == SCRIPT_TOK_END ? nullptr : context->TokenByIndex(i + 1);
@@ -117,6 +126,10 @@ uint32_t CONXScriptFunc::EvalRef(CONXScriptExecContext* context, CONXScriptVaria
 
 uint32_t CONXScriptFunc::Eval(CONXScriptExecContext* context, CONXScriptVariable* result) {
     if (context->StackLow()) return SCRIPT_ERR_OUTOFMEMORY;
+    if (result) {
+        TSCRIPTTOKEN* first = context->Upcoming();
+        if (first && ScriptFastEvaluate(context, this, first, result)) return 0;
+    }
     TSCRIPTTOKEN* t = context->Next();
     if (t->error) return t->error;
     CONXScriptVarStack::TMARK mark = context->vars.Mark();

@@ -110,6 +110,15 @@ inline CONXScriptObject* ScriptResolveName(CONXScriptFunc* scope, TSCRIPTTOKEN* 
 // The value of a literal token, converted once per run.
 uint32_t ScriptLiteral(CONXScriptExecContext* context, TSCRIPTTOKEN* token, CONXScriptVariable** value);
 
+// Computes an expression of numbers only into result, the cursor standing at
+// its first token; false (and nothing changed) when the expression is not one.
+bool ScriptFastEvaluate(CONXScriptExecContext* context, CONXScriptFunc* scope, TSCRIPTTOKEN* first,
+                        CONXScriptVariable* result);
+
+// The same, giving the value's type and number instead.
+bool ScriptFastValue(CONXScriptExecContext* context, CONXScriptFunc* scope, TSCRIPTTOKEN* first,
+                     uint32_t* type, uint64_t* value);
+
 // Evaluates a call: the cursor stands after the function's name.
 uint32_t ScriptCallFunction(CONXScriptExecContext* context, CONXScriptFunc* scope,
                             CONXScriptFunc* callee, CONXScriptVariable* result);

@@ -293,5 +293,6 @@ TSCRIPTTOKEN* CONXScriptCursor::Find() {
     t->selfScope = nullptr;
     t->literalDone = false;
     t->restCall = 0;
+    t->noFast = true;  // the shortcut walks the prepared tokens only
     return t;
 }

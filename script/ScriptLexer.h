@@ -85,6 +85,7 @@ struct alignas(64) TSCRIPTTOKEN {
     // For a binary operator: whether the rest of the expression holds a call
     // (0 not known yet, 1 no, 2 yes).
     uint8_t restCall = 0;
+    bool noFast = false;  // an expression starting here is not numbers only
     // Last name look-up: in which scope, found what.
     const void* cacheScope = nullptr;
     CONXScriptObject* cacheObject = nullptr;

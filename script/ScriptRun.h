@@ -30,6 +30,16 @@ struct TSCRIPTLIMITS {
     // built-ins and the output function. Deeper nesting (recursion, parentheses,
     // blocks) ends the run with 1 "out of memory error".
     uint32_t stackReserveBytes = 12u << 10;
+    // Longest wait of "delay", in milliseconds; a longer one ends after this
+    // long as if its time had run out. Embedders that must not wait lower it.
+    uint32_t maxDelayMs = 0xFFFFFFFFu;
+    // The folder the file built-ins are confined to, in the module's path form;
+    // a name that resolves outside it counts as a file that cannot be opened
+    // (and a sub-script outside it as unreadable). Empty: no confinement.
+    std::string fileRoot;
+    // Largest size the file built-ins may make a file reach; 0 = no limit. A
+    // write that would go beyond it writes nothing.
+    uint64_t maxFileBytes = 0;
 };
 
 // What a built-in is constructed with at the start of each run.

@@ -28,6 +28,19 @@ namespace {
 const char kVersion[] = "0.4";  // the language version scripts can read
 const size_t kMaxDirectory = 260;
 
+// Instrumented builds have far larger frames on the paths between two checks.
+#if defined(__SANITIZE_ADDRESS__)
+const uint32_t kExtraReserve = 24u << 10;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+const uint32_t kExtraReserve = 24u << 10;
+#else
+const uint32_t kExtraReserve = 0;
+#endif
+#else
+const uint32_t kExtraReserve = 0;
+#endif
+
 // Restores what a run changed in its context and thread, however it ends.
 struct TRUNRESTORE {
     CONXScriptRunContext* context;
@@ -112,7 +125,7 @@ uint32_t RunScript(CONXScriptRunContext* context, COndDeviceComm_0* channel, con
             uintptr_t top = (uintptr_t)&here;
             low = top > (56u << 10) ? top - (56u << 10) : 0;
         }
-        exec->stackLimit = low + context->m_limits.stackReserveBytes;
+        exec->stackLimit = low + context->m_limits.stackReserveBytes + kExtraReserve;
         exec->run = context;
         exec->stopEvent = context->GetStopEvent();
         exec->maxSteps = context->m_limits.maxSteps;

@@ -105,6 +105,15 @@ public:
     uint32_t StoreText(const char* chars, size_t length);  // replaces, with the budget check
     uint32_t AppendText(const char* chars, size_t length);
     void InitFast(CONXScriptVarTemplate* tmpl);
+    // A body's own variable: as InitFast without the name, which nothing reads
+    // (the engine finds body variables through their declarations).
+    void InitFrame(CONXScriptVarTemplate* tmpl) {
+        m_type = tmpl->m_type;
+        m_value32u = 0;
+        m_value32s = 0;
+        m_value64u = 0;
+        m_value64s = 0;
+    }
     uint32_t AssignFast(CONXScriptVariable* source);  // Assign, both already resolved
     uint32_t ApplyAssignmentOp(int32_t op, CONXScriptVariable* source);
     uint32_t ApplyUnaryOp(int32_t op, CONXScriptVariable* operand);
