@@ -1,0 +1,7 @@
+// What dcsrun needs from the console, per platform (posix/, win32/).
+#pragma once
+
+// Standard output and error take bytes as they are (no "\r\n" for "\n").
+void DcsBinaryOutput();
+// True when standard input is an interactive terminal.
+bool DcsInputIsTerminal();

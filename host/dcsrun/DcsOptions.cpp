@@ -1,0 +1,177 @@
+#include "host/dcsrun/DcsOptions.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+
+#include "host/serial/SerialChannel.h"
+
+namespace {
+
+const char kUsage[] =
+    "usage: dcsrun [options] SCRIPT.dcs\n"
+    "\n"
+    "Runs a device script through the Script Processor and writes the script's\n"
+    "output to standard output as it comes.\n"
+    "\n"
+    "options:\n"
+    "  --device sim                 the simulated device (default): loopback,\n"
+    "                               256 x 4096-byte storage\n"
+    "  --device serial:PORT[:BAUD]  a device on a serial port (COM3, /dev/ttyUSB0),\n"
+    "                               8N1, 115200 baud unless given; the raw port\n"
+    "                               cannot transfer files\n"
+    "  --set NAME=TYPE:VALUE        hands a variable to the script (repeatable).\n"
+    "                               TYPE: dword, uint32, int32, uint64, int64, string.\n"
+    "                               Numbers in decimal or 0x hexadecimal, with '-' for\n"
+    "                               int32 and int64; strings take the script's escapes\n"
+    "                               (\\n, \\t, \\r, \\\\, \\(255))\n"
+    "  --get NAME                   after the run, writes NAME's value to standard\n"
+    "                               error (repeatable; only names handed in with --set)\n"
+    "  --batch                      never ask the operator (also when standard input\n"
+    "                               is not a terminal): every question is answered as\n"
+    "                               Cancel would, with its default value and confirmed\n"
+    "                               0, and a note on standard error\n"
+    "  --sim-receive FILE           preloads the simulated device's receive queue with\n"
+    "                               the bytes of FILE\n"
+    "  --sim-receive-bytes N        preloads it with N bytes of \"0123456789\" repeated\n"
+    "  -h, --help                   this text\n"
+    "\n"
+    "--get writes one line per name, in the order given, whatever the run's result:\n"
+    "  NAME=TYPE:VALUE     TYPE dword, int32, uint64, int64 or string; numbers in\n"
+    "                      decimal; strings with \\\\ for a backslash, \\n, \\r, \\t, and\n"
+    "                      \\(N) for any other byte outside 32..126, so that the value\n"
+    "                      can be handed back with --set\n"
+    "  NAME: not set       when no variable of that name was handed in\n"
+    "\n"
+    "exit status: the Script Processor's result\n"
+    "  0 success (also after exit())    6 empty script path\n"
+    "  7 no device (the serial port cannot be opened)\n"
+    "  8 the script file cannot be opened    9 it cannot be read completely\n"
+    "  18 out of memory    20 the device is locked    21 the script failed\n"
+    "  2 bad command line\n";
+
+bool ParseCount(const char* text, uint64_t* value) {
+    if (!*text || *text == '-') return false;
+    errno = 0;
+    char* end = nullptr;
+    unsigned long long v = strtoull(text, &end, 0);
+    if (errno || *end) return false;
+    *value = v;
+    return true;
+}
+
+bool ParseDevice(const std::string& device, TDCSOPTIONS* options, std::string* error) {
+    if (device == "sim") {
+        options->serial = false;
+        return true;
+    }
+    const std::string prefix = "serial:";
+    if (device.compare(0, prefix.size(), prefix) != 0) {
+        *error = "unknown device '" + device + "' (sim or serial:PORT[:BAUD])";
+        return false;
+    }
+    std::string port = device.substr(prefix.size());
+    uint32_t baud = SERIAL_DEFAULT_BAUD;
+    // The baud rate is a trailing ":digits"; a port name may hold colons itself.
+    size_t colon = port.rfind(':');
+    if (colon != std::string::npos && colon + 1 < port.size() &&
+        port.find_first_not_of("0123456789", colon + 1) == std::string::npos) {
+        uint64_t value = 0;
+        if (!ParseCount(port.c_str() + colon + 1, &value) || value == 0 || value > 4000000) {
+            *error = "bad baud rate in '" + device + "'";
+            return false;
+        }
+        baud = (uint32_t)value;
+        port.resize(colon);
+    }
+    if (port.empty()) {
+        *error = "no port in '" + device + "'";
+        return false;
+    }
+    options->serial = true;
+    options->serialPort = port;
+    options->baud = baud;
+    return true;
+}
+
+}  // namespace
+
+const char* DcsUsage() { return kUsage; }
+
+bool ParseDcsOptions(int argc, const char* const* argv, TDCSOPTIONS* options, std::string* error) {
+    bool optionsEnd = false;
+    bool haveReceive = false;
+    for (int i = 1; i < argc; ++i) {
+        std::string arg = argv[i];
+        if (optionsEnd || arg.empty() || arg[0] != '-' || arg == "-") {
+            if (!options->script.empty()) {
+                *error = "more than one script given ('" + options->script + "', '" + arg + "')";
+                return false;
+            }
+            options->script = arg;
+            continue;
+        }
+        if (arg == "--") {
+            optionsEnd = true;
+            continue;
+        }
+        if (arg == "-h" || arg == "--help") {
+            options->help = true;
+            continue;
+        }
+        if (arg == "--batch") {
+            options->batch = true;
+            continue;
+        }
+        // Options with a value: "--opt value" or "--opt=value".
+        std::string name = arg, value;
+        size_t eq = arg.find('=');
+        bool inlineValue = eq != std::string::npos;
+        if (inlineValue) {
+            name = arg.substr(0, eq);
+            value = arg.substr(eq + 1);
+        }
+        if (name != "--device" && name != "--set" && name != "--get" && name != "--sim-receive" &&
+            name != "--sim-receive-bytes") {
+            *error = "unknown option '" + arg + "'";
+            return false;
+        }
+        if (!inlineValue) {
+            if (i + 1 >= argc) {
+                *error = "option " + name + " needs a value";
+                return false;
+            }
+            value = argv[++i];
+        }
+        if (name == "--device") {
+            if (!ParseDevice(value, options, error)) return false;
+        } else if (name == "--set") {
+            options->sets.push_back(value);
+        } else if (name == "--get") {
+            if (value.empty()) {
+                *error = "--get needs a name";
+                return false;
+            }
+            options->gets.push_back(value);
+        } else if (name == "--sim-receive") {
+            options->simReceiveFile = value;
+            haveReceive = true;
+        } else {
+            if (!ParseCount(value.c_str(), &options->simReceiveBytes)) {
+                *error = "bad byte count '" + value + "' for --sim-receive-bytes";
+                return false;
+            }
+            haveReceive = true;
+        }
+    }
+    if (options->help) return true;
+    if (haveReceive && options->serial) {
+        *error = "--sim-receive and --sim-receive-bytes need the simulated device";
+        return false;
+    }
+    if (options->script.empty()) {
+        *error = "no script given";
+        return false;
+    }
+    return true;
+}

@@ -1,0 +1,28 @@
+// dcsrun's command line.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+struct TDCSOPTIONS {
+    std::string script;
+    bool serial = false;        // else the simulated device
+    std::string serialPort;
+    uint32_t baud = 0;
+    std::vector<std::string> sets;  // NAME=TYPE:VALUE, as given
+    std::vector<std::string> gets;  // NAME
+    bool batch = false;
+    std::string simReceiveFile;
+    uint64_t simReceiveBytes = 0;
+    bool help = false;
+};
+
+// false with *error set (one line, no "dcsrun:" prefix) for a bad command line.
+bool ParseDcsOptions(int argc, const char* const* argv, TDCSOPTIONS* options, std::string* error);
+
+// The --help text.
+const char* DcsUsage();
+
+// Exit status for a bad command line (not one of the Script Processor's results).
+const int DCSRUN_EXIT_USAGE = 2;

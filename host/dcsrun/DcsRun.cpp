@@ -1,0 +1,170 @@
+// dcsrun: runs one device script through CONXScriptProcessor::ExecuteScriptFile,
+// the path the plug-in's dialog takes, on a 64 KiB thread as the dialog's
+// worker does. Output goes to standard output as it comes; the exit status is
+// the Script Processor's result code. See DcsUsage() for the options.
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "host/dcsrun/DcsBatchPrompt.h"
+#include "host/dcsrun/DcsConsole.h"
+#include "host/dcsrun/DcsOptions.h"
+#include "host/dcsrun/DcsVariables.h"
+#include "host/serial/SerialChannel.h"
+#include "host/sim/SimDevice.h"
+#include "os/Platform.h"
+#include "scriptrt/ScriptProcessor.h"
+
+namespace {
+
+const size_t kScriptStack = 65536;  // the dialog's worker stack
+
+// One output call, one write: a "\r" progress line shows as it is drawn.
+void WriteOutput(void*, const char* text) {
+    fwrite(text, 1, strlen(text), stdout);
+    fflush(stdout);
+}
+
+struct TDCSJOB {
+    CONXScriptProcessor* processor;
+    const char* path;
+    EONX_ERR_ERRCODE_ result;
+};
+
+void RunJob(void* argument) {
+    TDCSJOB* job = static_cast<TDCSJOB*>(argument);
+    job->result = job->processor->ExecuteScriptFile(job->path, WriteOutput, nullptr);
+}
+
+const char* ResultText(EONX_ERR_ERRCODE_ result) {
+    switch (result) {
+    case EONX_ERR_EMPTYPATH: return "empty script path";
+    case EONX_ERR_NOCHANNEL: return "no device";
+    case EONX_ERR_FILEOPEN: return "cannot open the script file";
+    case EONX_ERR_FILEREAD: return "cannot read the script file completely";
+    case EONX_ERR_OUTOFMEMORY: return "out of memory";
+    case EONX_ERR_LOCKED: return "the device is locked by another user";
+    default: return nullptr;
+    }
+}
+
+bool ReadWholeFile(const std::string& path, std::string* bytes) {
+    FILE* f = fopen(path.c_str(), "rb");
+    if (!f) return false;
+    char buffer[65536];
+    size_t n;
+    while ((n = fread(buffer, 1, sizeof buffer, f)) > 0) bytes->append(buffer, n);
+    bool ok = !ferror(f);
+    fclose(f);
+    return ok;
+}
+
+// Builds the channel the options ask for; null with a message on failure.
+COndDeviceComm_0* OpenDevice(const TDCSOPTIONS& options, std::unique_ptr<CSimDevice>* sim,
+                             std::unique_ptr<CSerialChannel>* serial, int* exitCode) {
+    if (options.serial) {
+        serial->reset(new CSerialChannel);
+        std::string error;
+        if (!(*serial)->Open(options.serialPort, options.baud, &error)) {
+            fprintf(stderr, "dcsrun: serial port: %s\n", error.c_str());
+            *exitCode = EONX_ERR_NOCHANNEL;
+            return nullptr;
+        }
+        return serial->get();
+    }
+    sim->reset(new CSimDevice);
+    if (!options.simReceiveFile.empty()) {
+        std::string bytes;
+        if (!ReadWholeFile(options.simReceiveFile, &bytes)) {
+            fprintf(stderr, "dcsrun: cannot read %s\n", options.simReceiveFile.c_str());
+            *exitCode = DCSRUN_EXIT_USAGE;
+            return nullptr;
+        }
+        (*sim)->PreloadReceive(bytes);
+    }
+    if (options.simReceiveBytes) {
+        std::string bytes(options.simReceiveBytes, '\0');
+        for (uint64_t i = 0; i < options.simReceiveBytes; ++i) bytes[i] = (char)('0' + i % 10);
+        (*sim)->PreloadReceive(bytes);
+    }
+    return sim->get();
+}
+
+int Main(int argc, char** argv) {
+    DcsBinaryOutput();
+    TDCSOPTIONS options;
+    std::string error;
+    if (!ParseDcsOptions(argc, argv, &options, &error)) {
+        fprintf(stderr, "dcsrun: %s\n(dcsrun --help shows the options)\n", error.c_str());
+        return DCSRUN_EXIT_USAGE;
+    }
+    if (options.help) {
+        fputs(DcsUsage(), stdout);
+        return 0;
+    }
+    CDcsVariables variables;
+    for (const std::string& spec : options.sets) {
+        if (!variables.Add(spec, &error)) {
+            fprintf(stderr, "dcsrun: %s\n", error.c_str());
+            return DCSRUN_EXIT_USAGE;
+        }
+    }
+    std::error_code ec;
+    if (std::filesystem::is_directory(options.script, ec)) {
+        fprintf(stderr, "dcsrun: %s: is a folder, not a script\n", options.script.c_str());
+        return EONX_ERR_FILEOPEN;
+    }
+
+    int exitCode = 0;
+    std::unique_ptr<CSimDevice> sim;
+    std::unique_ptr<CSerialChannel> serial;
+    COndDeviceComm_0* device = OpenDevice(options, &sim, &serial, &exitCode);
+    if (!device) return exitCode;
+
+    CONXScriptProcessor processor;
+    processor.Connect(device);
+    CDcsBatchPrompt batch;
+    // Until the console prompt is built in, every run answers as in batch mode.
+    processor.SetOperatorPrompt(&batch);
+    if (variables.Count()) {
+        EONX_ERR_ERRCODE_ set = processor.SetVariables(variables.Records(), variables.Count(), false);
+        if (set != EONX_ERR_NONE) {
+            fprintf(stderr, "dcsrun: cannot hand in the variables (result %u)\n", (unsigned)set);
+            return set;
+        }
+    }
+
+    TDCSJOB job = {&processor, options.script.c_str(), EONX_ERR_NONE};
+    COsThread thread;
+    if (!thread.Start(kScriptStack, RunJob, &job)) {
+        fprintf(stderr, "dcsrun: cannot start the script thread\n");
+        return EONX_ERR_OUTOFMEMORY;
+    }
+    thread.Join();
+    fflush(stdout);
+
+    if (const char* text = ResultText(job.result))
+        fprintf(stderr, "dcsrun: %s: %s (result %u)\n", options.script.c_str(), text,
+                (unsigned)job.result);
+    for (const std::string& name : options.gets) {
+        TONX_SCRIPTVARIABLE query = DcsQueryRecord(name.c_str());
+        uint32_t found = 0;
+        (void)processor.GetVariables(&query, 1, &found);
+        fputs(DcsFormatVariable(name, query, found != 0).c_str(), stderr);
+    }
+    fflush(stderr);
+    return (int)job.result;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return Main(argc, argv);
+    } catch (...) {
+        fprintf(stderr, "dcsrun: out of memory\n");
+        return EONX_ERR_OUTOFMEMORY;
+    }
+}
