@@ -1,0 +1,229 @@
+// Local file built-ins.
+#include "scriptrt/FileFuncs.h"
+
+#include <atomic>
+#include <cstdio>
+#include <new>
+#include <stdexcept>
+#include <string>
+
+#include "os/Platform.h"
+#include "script/ScriptValue.h"
+#include "scriptrt/FileAccess.h"
+#include "scriptrt/FileFuncsSeam.h"
+#include "scriptrt/FileNames.h"
+#include "scriptrt/SysFuncArgs.h"
+
+namespace {
+
+const uint32_t kAllOnes = 0xFFFFFFFFu;
+
+std::atomic<int64_t> g_failAfter{-1};  // test seam: bytes left before writes fail; <0 = off
+std::atomic<unsigned> g_tempCounter{0};
+
+// fwrite with the test seam in front; returns the bytes written.
+size_t WriteBytes(FILE* f, const char* data, size_t size) {
+    int64_t left = g_failAfter.load();
+    if (left >= 0) {
+        if (static_cast<uint64_t>(left) < size) {
+            size_t done = left > 0 ? fwrite(data, 1, static_cast<size_t>(left), f) : 0;
+            g_failAfter.store(0);
+            return done;
+        }
+        g_failAfter.store(left - static_cast<int64_t>(size));
+    }
+    return fwrite(data, 1, size, f);
+}
+
+bool FileExists(const std::string& path) {
+    FILE* f = OsOpenFile(path.c_str(), "rb");
+    if (!f) return false;
+    fclose(f);
+    return true;
+}
+
+// Without an offset the file is replaced as a whole: the text goes to a new
+// file beside it, which takes the old one's place only once it is complete,
+// so a write that fails midway leaves the old file as it was. Returns the
+// bytes written; 0 when the file could not be made.
+uint32_t WriteReplacing(const std::string& path, const char* data, size_t size) {
+    // A file that exists but may not be written stays as it is, as with a plain open.
+    if (FileExists(path)) {
+        FILE* probe = OsOpenFile(path.c_str(), "r+b");
+        if (!probe) return 0;
+        fclose(probe);
+    }
+    std::string tempPath;
+    FILE* f = nullptr;
+    const unsigned stamp = static_cast<unsigned>(OsTickCount());
+    for (int attempt = 0; attempt < 100 && !f; ++attempt) {
+        char suffix[40];
+        snprintf(suffix, sizeof suffix, ".%08x%04x.tmp", stamp, g_tempCounter.fetch_add(1) & 0xFFFFu);
+        std::string candidate = path + suffix;
+        if (FileExists(candidate)) continue;
+        f = OsOpenFile(candidate.c_str(), "wb");
+        if (!f) return 0;
+        tempPath.swap(candidate);
+    }
+    if (!f) return 0;
+    size_t written = size ? WriteBytes(f, data, size) : 0;
+    bool good = written == size && fflush(f) == 0 && !ferror(f);
+    good = fclose(f) == 0 && good;
+    if (!good || !OsReplaceFile(tempPath.c_str(), path.c_str())) {
+        OsRemoveFile(tempPath.c_str());
+        return 0;
+    }
+    return static_cast<uint32_t>(written);
+}
+
+// With an offset the file is changed in place (and made if missing).
+uint32_t WriteInPlace(const std::string& path, uint32_t offset, const char* data, size_t size) {
+    FILE* f = OsOpenFile(path.c_str(), "r+b");
+    if (!f) f = OsOpenFile(path.c_str(), "wb");
+    if (!f) return 0;
+    size_t written = 0;
+    if (ScriptSeekFile(f, offset) && size) written = WriteBytes(f, data, size);
+    // Bytes that never reached the file do not count.
+    if (fflush(f) != 0) written = 0;
+    if (fclose(f) != 0) written = 0;
+    return static_cast<uint32_t>(written);
+}
+
+}  // namespace
+
+namespace ondscriptrt {
+void FileFuncsFailWritesAfter(int64_t bytesBeforeFailure) {
+    g_failAfter.store(bytesBeforeFailure < 0 ? -1 : bytesBeforeFailure);
+}
+}  // namespace ondscriptrt
+
+// --- writestringtofile(file, text [, offset [, start [, count]]]) ---
+
+CONXWriteStringToFileFunc::CONXWriteStringToFileFunc(const TSCRIPTSYSFUNCENV& env)
+    : CONXScriptSysFunc("writestringtofile", env.output, env.outputContext) {}
+
+bool CONXWriteStringToFileFunc::CheckArgumentCount(size_t count) { return count >= 2 && count <= 5; }
+
+uint32_t CONXWriteStringToFileFunc::Execute(CONXScriptRunContext* runContext, CONXScriptFunc* symbols,
+                                            const TSCRIPTARGS& arguments, CONXScriptVariable* result) {
+    if (!CheckArgumentCount(arguments.size())) return SCRIPT_ERR_PARAMCOUNT;
+    if (uint32_t err = ScriptCheckArguments(arguments, "ssnnn")) return err;
+    const std::string& text = ScriptArgText(arguments, 1);
+    const uint32_t offset = static_cast<uint32_t>(ScriptArgNumberOr(arguments, 2, kAllOnes));
+    const uint32_t start = static_cast<uint32_t>(ScriptArgNumberOr(arguments, 3, 0));
+    const uint32_t count = static_cast<uint32_t>(ScriptArgNumberOr(arguments, 4, kAllOnes));
+    size_t size = 0;
+    if (start < text.size()) {
+        size_t rest = text.size() - start;
+        size = count < rest ? count : rest;
+    }
+    const char* data = text.data() + (size ? start : 0);
+    uint32_t written = 0;
+    try {
+        std::string path;
+        const uint64_t maxBytes = runContext ? runContext->m_limits.maxFileBytes : 0;
+        const uint64_t end = (offset == kAllOnes ? 0 : offset) + static_cast<uint64_t>(size);
+        if (ScriptLocalFilePath(runContext, ScriptArgText(arguments, 0), &path) &&
+            (maxBytes == 0 || end <= maxBytes)) {
+            written = offset == kAllOnes ? WriteReplacing(path, data, size)
+                                         : WriteInPlace(path, offset, data, size);
+        }
+    } catch (const std::bad_alloc&) {
+        return SCRIPT_ERR_OUTOFMEMORY;
+    } catch (const std::length_error&) {
+        return SCRIPT_ERR_OUTOFMEMORY;
+    }
+    if (!result) return 0;
+    return result->SetNumber(written, SCRIPT_TYPE_UINT32);
+}
+
+// --- readstringfromfile(file [, offset [, length]]) ---
+
+CONXReadStringFromFileFunc::CONXReadStringFromFileFunc(const TSCRIPTSYSFUNCENV& env)
+    : CONXScriptSysFunc("readstringfromfile", env.output, env.outputContext) {}
+
+bool CONXReadStringFromFileFunc::CheckArgumentCount(size_t count) { return count >= 1 && count <= 3; }
+
+uint32_t CONXReadStringFromFileFunc::Execute(CONXScriptRunContext* runContext, CONXScriptFunc* symbols,
+                                             const TSCRIPTARGS& arguments, CONXScriptVariable* result) {
+    if (!CheckArgumentCount(arguments.size())) return SCRIPT_ERR_PARAMCOUNT;
+    if (uint32_t err = ScriptCheckArguments(arguments, "snn")) return err;
+    if (!result) return 0;
+    const uint32_t offset = static_cast<uint32_t>(ScriptArgNumberOr(arguments, 1, 0));
+    const uint32_t length = static_cast<uint32_t>(ScriptArgNumberOr(arguments, 2, kAllOnes));
+    std::string bytes;
+    try {
+        std::string path;
+        FILE* f = nullptr;
+        if (ScriptLocalFilePath(runContext, ScriptArgText(arguments, 0), &path))
+            f = OsOpenFile(path.c_str(), "rb");
+        if (!f) return result->SetText(bytes);
+        uint64_t size64 = 0;
+        const uint32_t size = ScriptOpenFileSize(f, &size64) ? static_cast<uint32_t>(size64) : 0;
+        if (offset < size && length != 0 && ScriptSeekFile(f, offset)) {
+            const uint32_t want = length < size - offset ? length : size - offset;
+            const TSCRIPTSTRINGBUDGET* budget = ScriptStringBudget();
+            if (budget && want > budget->maxStringBytes) {
+                fclose(f);
+                return SCRIPT_ERR_OUTOFMEMORY;
+            }
+            try {
+                bytes.resize(want);
+            } catch (...) {
+                fclose(f);
+                throw;
+            }
+            bytes.resize(fread(&bytes[0], 1, want, f));
+        }
+        fclose(f);
+    } catch (const std::bad_alloc&) {
+        return SCRIPT_ERR_OUTOFMEMORY;
+    } catch (const std::length_error&) {
+        return SCRIPT_ERR_OUTOFMEMORY;
+    }
+    return result->SetText(bytes);
+}
+
+// --- getfilesize(file) ---
+
+CONXGetFileSizeFunc::CONXGetFileSizeFunc(const TSCRIPTSYSFUNCENV& env)
+    : CONXScriptSysFunc("getfilesize", env.output, env.outputContext) {}
+
+bool CONXGetFileSizeFunc::CheckArgumentCount(size_t count) { return count == 1; }
+
+uint32_t CONXGetFileSizeFunc::Execute(CONXScriptRunContext* runContext, CONXScriptFunc* symbols,
+                                      const TSCRIPTARGS& arguments, CONXScriptVariable* result) {
+    if (!CheckArgumentCount(arguments.size())) return SCRIPT_ERR_PARAMCOUNT;
+    if (uint32_t err = ScriptCheckArguments(arguments, "s")) return err;
+    if (!result) return 0;
+    uint64_t size = 0;
+    try {
+        std::string path;
+        FILE* f = nullptr;
+        if (ScriptLocalFilePath(runContext, ScriptArgText(arguments, 0), &path))
+            f = OsOpenFile(path.c_str(), "rb");
+        if (f) {
+            if (!ScriptOpenFileSize(f, &size)) size = 0;
+            fclose(f);
+        }
+    } catch (const std::bad_alloc&) {
+        return SCRIPT_ERR_OUTOFMEMORY;
+    }
+    return result->SetNumber(size, SCRIPT_TYPE_UINT32);  // a 32-bit size, deliberately
+}
+
+// --- getbasepath() ---
+
+CONXGetBasePathFunc::CONXGetBasePathFunc(const TSCRIPTSYSFUNCENV& env)
+    : CONXScriptSysFunc("getbasepath", env.output, env.outputContext) {}
+
+bool CONXGetBasePathFunc::CheckArgumentCount(size_t count) { return count == 0; }
+
+uint32_t CONXGetBasePathFunc::Execute(CONXScriptRunContext* runContext, CONXScriptFunc* symbols,
+                                      const TSCRIPTARGS& arguments, CONXScriptVariable* result) {
+    if (!CheckArgumentCount(arguments.size())) return SCRIPT_ERR_PARAMCOUNT;
+    if (!result) return 0;
+    std::string base = runContext ? runContext->GetBaseDirectory() : std::string();
+    if (!base.empty() && base.back() == '\\') base.pop_back();  // "C:\" at a drive's root
+    return result->SetText(base);
+}
