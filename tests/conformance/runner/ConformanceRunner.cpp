@@ -5,12 +5,20 @@
 //   NAME.out             if present, the exact expected output instead
 // Each script gets the engine's test "print", the simulated device and its
 // own folder as base directory.
+//
+// With --program PROGRAM each script is run as "PROGRAM SCRIPT" instead (dcsrun):
+// its standard output must be the expected output and its exit status the
+// Script Processor's result for the expected code (0, or 21 for a failure).
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <vector>
+
+#ifndef _WIN32
+#include <sys/wait.h>
+#endif
 
 #include "host/sim/SimDevice.h"
 #include "script/ScriptRun.h"
@@ -73,11 +81,53 @@ void ParseExpectations(const std::string& text, std::string* output, uint32_t* c
 
 void Collect(void* context, const char* text) { static_cast<std::string*>(context)->append(text); }
 
+// cmd.exe takes neither slashes in a program path nor a line that starts
+// and ends with a quote unless the whole of it is quoted once more.
+std::string CommandLine(const std::string& program, const std::string& script) {
+    std::string line = "\"" + program + "\" \"" + script + "\"";
+#ifdef _WIN32
+    for (char& c : line)
+        if (c == '/') c = '\\';
+    line = "\"" + line + "\"";
+#endif
+    return line;
+}
+
+// Runs PROGRAM SCRIPT; false when it cannot be started.
+bool RunProgram(const std::string& program, const std::string& script, std::string* output,
+                uint32_t* status) {
+#ifdef _WIN32
+    FILE* pipe = _popen(CommandLine(program, script).c_str(), "rb");
+#else
+    fflush(stdout);
+    FILE* pipe = popen(CommandLine(program, script).c_str(), "r");
+#endif
+    if (!pipe) return false;
+    char buffer[65536];
+    size_t n;
+    while ((n = fread(buffer, 1, sizeof buffer, pipe)) > 0) output->append(buffer, n);
+#ifdef _WIN32
+    int rc = _pclose(pipe);
+    *status = (uint32_t)rc;
+#else
+    int rc = pclose(pipe);
+    if (rc == -1 || !WIFEXITED(rc)) return false;
+    *status = (uint32_t)WEXITSTATUS(rc);
+#endif
+    return true;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+    std::string program;
+    if (argc == 4 && std::string(argv[1]) == "--program") {
+        program = argv[2];
+        argv += 2;
+        argc -= 2;
+    }
     if (argc != 2) {
-        fprintf(stderr, "usage: conformance_runner FOLDER\n");
+        fprintf(stderr, "usage: conformance_runner [--program PROGRAM] FOLDER\n");
         return 2;
     }
     std::vector<fs::path> scripts;
@@ -105,6 +155,22 @@ int main(int argc, char** argv) {
         if (fs::exists(out)) ReadFile(out, &expected);
 
         std::string actual;
+        if (!program.empty()) {
+            uint32_t status = 0;
+            uint32_t expectedStatus = (expectedCode & 0x0FFFFFFF) ? 21 : 0;
+            if (!RunProgram(program, script.string(), &actual, &status)) {
+                printf("FAIL %s: cannot run %s\n", script.string().c_str(), program.c_str());
+                failed++;
+            } else if (status == expectedStatus && actual == expected) {
+                passed++;
+            } else {
+                failed++;
+                printf("FAIL %s\n", script.string().c_str());
+                printf("  expected status %u, output \"%s\"\n", expectedStatus, Escape(expected).c_str());
+                printf("  actual   status %u, output \"%s\"\n", status, Escape(actual).c_str());
+            }
+            continue;
+        }
         CSimDevice device;
         CONXScriptRunContext context;
         context.m_sysFuncFactories.push_back(ScriptTestPrintFactory);

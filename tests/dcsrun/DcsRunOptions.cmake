@@ -1,0 +1,73 @@
+# dcsrun's command line, run as a user runs it. Called by CTest with
+# -DDCSRUN=program -DEMULATOR=wrapper-or-empty -DSCRIPTS=folder -DWORK=folder.
+set(failures 0)
+
+# run(<expected status> <args>...): sets out, err, rc.
+function(run expected)
+  execute_process(COMMAND ${EMULATOR} ${DCSRUN} ${ARGN}
+                  RESULT_VARIABLE status OUTPUT_VARIABLE stdout ERROR_VARIABLE stderr
+                  WORKING_DIRECTORY ${WORK})
+  set(out "${stdout}" PARENT_SCOPE)
+  set(err "${stderr}" PARENT_SCOPE)
+  if(NOT "${status}" STREQUAL "${expected}")
+    message(SEND_ERROR "dcsrun ${ARGN}: status ${status}, expected ${expected}\nstdout: ${stdout}\nstderr: ${stderr}")
+  endif()
+endfunction()
+
+function(expect_equal what actual expected)
+  if(NOT "${actual}" STREQUAL "${expected}")
+    message(SEND_ERROR "${what}:\n  actual   [${actual}]\n  expected [${expected}]")
+  endif()
+endfunction()
+
+function(expect_contains what text part)
+  string(FIND "${text}" "${part}" at)
+  if(at EQUAL -1)
+    message(SEND_ERROR "${what}: [${part}] not in [${text}]")
+  endif()
+endfunction()
+
+file(REMOVE_RECURSE ${WORK})
+file(MAKE_DIRECTORY ${WORK})
+
+# Help and bad command lines.
+run(0 --help)
+expect_contains("--help" "${out}" "usage: dcsrun [options] SCRIPT.dcs")
+expect_contains("--help" "${out}" "NAME=TYPE:VALUE")
+run(2 --bogus ${SCRIPTS}/variables.dcs)
+expect_contains("bad option" "${err}" "unknown option '--bogus'")
+run(2)
+expect_contains("no script" "${err}" "no script given")
+run(2 --set Count=float:1 ${SCRIPTS}/variables.dcs)
+expect_contains("bad type" "${err}" "unknown type 'float'")
+run(2 --set Count=dword:4294967296 ${SCRIPTS}/variables.dcs)
+expect_contains("dword range" "${err}" "is not a dword value")
+run(2 --device tape ${SCRIPTS}/variables.dcs)
+expect_contains("bad device" "${err}" "unknown device 'tape'")
+run(2 --device serial:COM1 --sim-receive-bytes 5 ${SCRIPTS}/variables.dcs)
+expect_contains("receive needs sim" "${err}" "need the simulated device")
+
+# Scripts that cannot be had, a port that cannot be opened.
+run(8 ${WORK}/missing.dcs)
+expect_contains("missing script" "${err}" "cannot open the script file (result 8)")
+expect_equal("missing script output" "${out}" "")
+run(8 ${SCRIPTS})
+run(7 --device serial:/no/such/port ${SCRIPTS}/variables.dcs)
+expect_contains("serial" "${err}" "dcsrun: serial port: cannot open /no/such/port")
+
+# A failing script: its diagnostic on standard output, status 21.
+run(21 ${SCRIPTS}/fails.dcs)
+expect_equal("failing script" "${out}"
+             "before\nDivision by 0 error near line 2/column 12 (offset 30) during executing\n")
+
+# Variables in and out; the string read back goes in again unchanged.
+run(0 --set Count=dword:41 "--set=Name=string:a\\tb\\(0)" --set Big=int64:-9000000000
+    --get count --get Name --get=Big --get Missing ${SCRIPTS}/variables.dcs)
+expect_equal("variables output" "${out}" "in: 41 a\tb\\0\n")
+expect_equal("--get lines" "${err}"
+             "count=dword:42\nName=string:a\\tb\\(0)!\nBig=int64:-9000000001\nMissing: not set\n")
+run(2 --set Count=0xFFFFFFFF ${SCRIPTS}/variables.dcs)
+expect_contains("no type" "${err}" "expected NAME=TYPE:VALUE")
+run(0 --set Count=dword:0xFFFFFFFF "--set=Name=string:a\\tb\\(0)!" --set Big=int64:0 --get Name
+    --get COUNT ${SCRIPTS}/variables.dcs)
+expect_equal("round trip" "${err}" "Name=string:a\\tb\\(0)!!\nCOUNT=dword:0\n")
