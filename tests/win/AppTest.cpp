@@ -36,4 +36,24 @@ void TestApp() {
         CHECK(!app.HasHook());
         CHECK(app.HostFolder().empty());
     }
+    {
+        // Unloading removes the hook. A copy of the DLL is a module of its
+        // own: loading it hooks this thread, unloading must unhook it, or the
+        // next message this thread retrieves calls into unmapped code.
+        char dll[MAX_PATH] = "", temp[MAX_PATH] = "";
+        GetModuleFileNameA(GetModuleHandleA("OndDeviceClient.dll"), dll, MAX_PATH);
+        GetTempPathA(MAX_PATH, temp);
+        std::string copy = std::string(temp) + "OndDeviceClientUnloadTest.dll";
+        CHECK(CopyFileA(dll, copy.c_str(), FALSE));
+        HMODULE module = LoadLibraryA(copy.c_str());
+        CHECK(module != nullptr);
+        PostMessageA(TestHostWindow(), WM_KEYDOWN, 'B', 0x00300001);
+        MSG msg;
+        CHECK(TakeMessage(&msg) && msg.message == WM_KEYDOWN && msg.wParam == 'B');
+        CHECK(FreeLibrary(module));
+        CHECK(GetModuleHandleA("OndDeviceClientUnloadTest.dll") == nullptr);
+        PostMessageA(TestHostWindow(), WM_KEYDOWN, 'C', 0x002E0001);
+        CHECK(TakeMessage(&msg) && msg.message == WM_KEYDOWN && msg.wParam == 'C');
+        DeleteFileA(copy.c_str());
+    }
 }
