@@ -41,11 +41,6 @@ class CONXFileOp : public CONXScriptSysFunc {
 public:
     CONXFileOp(const char* name, const TSCRIPTSYSFUNCENV& env);
 
-    // A script's file name against its base directory (no trailing backslash):
-    // "\x" goes onto the base's drive, "\\server" and "C:..." stand as they
-    // are, anything else goes below the base. The file built-ins share it.
-    static std::string ResolveFileName(const std::string& baseDirectory, const std::string& name);
-
 protected:
     static constexpr uint32_t kProgressSteps = 40;
 
@@ -56,17 +51,24 @@ protected:
         uint32_t steps;
         std::string line;   // [name part + " "] + bar
         size_t barOffset;   // where the bar starts in line
+        bool aborted;       // the callback asked the channel to abort
     };
     void BeginProgress(TPROGRESS* progress, CONXScriptRunContext* runContext,
                        const std::string& namePart);
     static int32_t Progress(void* context, uint32_t stepsDone);
 
+    // The local path for a script's file name (see FileNames.h); a name that
+    // leads outside the run's file root gives "", which no channel can open.
+    static std::string LocalPath(CONXScriptRunContext* runContext, const std::string& name);
     // The channel's text for a transfer's error code.
     std::string ErrorText(int32_t code);
     // The name part of a path (after the last backslash).
     static std::string NamePart(const std::string& path);
     // Argument checks shared by transmitfile and transmitfilefromstring.
-    uint32_t CheckTransferArguments(const TSCRIPTARGS& arguments, bool* ignoreFailure);
+    static uint32_t CheckTransferArguments(const TSCRIPTARGS& arguments, bool* ignoreFailure);
+    // What a failed transfer ends the call with: 13 when a stop request cut
+    // it short (the run ends even with ignoreFailure), else 12 or 0.
+    static uint32_t FailureCode(const TPROGRESS& progress, bool ignoreFailure);
 
     COndDeviceComm_0* m_pChannel;
 };

@@ -4,7 +4,9 @@
 //
 // An implementation only asks and answers. The built-ins keep every rule on
 // their side: argument checks, limits, clamping of the initial value, the
-// results for OK and Cancel. An implementation must not throw.
+// wording for an empty prompt, the results for OK and Cancel. An answer of OK
+// that breaks the promise of its operation counts as Cancel. An
+// implementation must not throw.
 #pragma once
 
 #include <cstdint>
@@ -20,7 +22,7 @@ enum EOPERATORANSWER : uint32_t {
 // signedness of `type` (1 uint32, 3 int32, 4 uint64, 5 int64).
 struct TOPERATORNUMBERQUESTION {
     const char* caption;
-    const char* prompt;   // may be empty; the asker then shows its own wording
+    const char* prompt;
     uint32_t type;
     uint64_t minimum;     // minimum <= maximum in the type's order
     uint64_t maximum;

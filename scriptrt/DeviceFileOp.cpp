@@ -1,0 +1,78 @@
+// The file transfers' common part: file names, progress line, error text.
+#include <string>
+
+#include "frame/OndDeviceComm.h"
+#include "os/Platform.h"
+#include "script/ScriptErrors.h"
+#include "script/ScriptValue.h"
+#include "scriptrt/DeviceFuncs.h"
+#include "scriptrt/FileNames.h"
+
+CONXFileOp::CONXFileOp(const char* name, const TSCRIPTSYSFUNCENV& env)
+    : CONXScriptSysFunc(name, env.output, env.outputContext), m_pChannel(env.channel) {}
+
+std::string CONXFileOp::LocalPath(CONXScriptRunContext* runContext, const std::string& name) {
+    std::string path;
+    if (!ScriptLocalFilePath(runContext, name, &path)) path.clear();
+    return path;
+}
+
+std::string CONXFileOp::NamePart(const std::string& path) {
+    size_t slash = path.find_last_of('\\');
+    return slash == std::string::npos ? path : path.substr(slash + 1);
+}
+
+void CONXFileOp::BeginProgress(TPROGRESS* progress, CONXScriptRunContext* runContext,
+                               const std::string& namePart) {
+    progress->self = this;
+    progress->stopEvent = runContext ? runContext->GetStopEvent() : nullptr;
+    progress->steps = kProgressSteps;
+    progress->aborted = false;
+    progress->line = namePart;
+    if (!namePart.empty()) progress->line += ' ';
+    progress->barOffset = progress->line.size();
+    progress->line.append(kProgressSteps, '.');
+}
+
+int32_t CONXFileOp::Progress(void* context, uint32_t stepsDone) {
+    TPROGRESS* progress = static_cast<TPROGRESS*>(context);
+    uint32_t done = stepsDone < progress->steps ? stepsDone : progress->steps;
+    for (uint32_t i = 0; i < done; ++i) progress->line[progress->barOffset + i] = '#';
+    if (progress->self->m_output) {
+        progress->self->Output("\r");
+        progress->self->Output(progress->line.c_str());
+    }
+    if (progress->stopEvent && progress->stopEvent->IsSet()) {
+        progress->aborted = true;
+        return 1;
+    }
+    return 0;
+}
+
+std::string CONXFileOp::ErrorText(int32_t code) {
+    const char* text = m_pChannel ? m_pChannel->GetInfoString(ONDCOMM_INFO_ERRORTEXT, (int64_t)code)
+                                  : nullptr;
+    return text ? std::string(text) : std::string();
+}
+
+uint32_t CONXFileOp::CheckTransferArguments(const TSCRIPTARGS& arguments, bool* ignoreFailure) {
+    if (arguments.size() != 4 && arguments.size() != 5) return SCRIPT_ERR_PARAMCOUNT;
+    if (!AllArgumentsOfKind(arguments, SCRIPT_OBJ_VARIABLE)) return SCRIPT_ERR_TYPE;
+    *ignoreFailure = false;
+    if (arguments.size() == 5) {
+        CONXScriptVariable* flag = static_cast<CONXScriptVariable*>(arguments[4]);
+        if (!ScriptTypeIsNumeric(flag->GetType())) return SCRIPT_ERR_TYPE;
+        *ignoreFailure = flag->GetNumber() != 0;
+    }
+    if (static_cast<CONXScriptVariable*>(arguments[0])->GetType() != SCRIPT_TYPE_STRING)
+        return SCRIPT_ERR_TYPE;
+    for (size_t i = 1; i < 4; ++i)
+        if (!ScriptTypeIsNumeric(static_cast<CONXScriptVariable*>(arguments[i])->GetType()))
+            return SCRIPT_ERR_TYPE;
+    return 0;
+}
+
+uint32_t CONXFileOp::FailureCode(const TPROGRESS& progress, bool ignoreFailure) {
+    if (progress.aborted) return SCRIPT_ERR_ABORTED;
+    return ignoreFailure ? 0 : SCRIPT_ERR_SYSFUNC;
+}

@@ -1,0 +1,110 @@
+// transmitstring and receivestring against the simulated device.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "BuiltinIoTestRun.h"
+#include "script/ScriptErrors.h"
+
+namespace {
+
+// A variable the test can read after the run.
+struct TExternal {
+    CONXScriptVariable variable;
+    std::vector<CONXScriptVariable*> list;
+    TExternal(const char* name, uint32_t type) {
+        variable.SetName(name);
+        variable.SetType(type);
+        list.push_back(&variable);
+    }
+};
+
+TEST(BuiltinTransmitString, SendsEveryByteAndIgnoresTheChannel) {
+    CSimDevice device;
+    device.SetLoopback(false);
+    EXPECT_EQ(BuiltinIoRun("transmitstring(\"a\\0b\"); transmitstring(\"\");", &device, "").code, 0u);
+    EXPECT_EQ(device.TakeTransmitted(), std::string("a\0b", 3));
+    EXPECT_EQ(device.CallCount("Transmit"), 2u);
+
+    // A failing channel is no script error, and nothing is written.
+    device.InjectFault("Transmit", 1);
+    TBUILTINIORUN run = BuiltinIoRun("transmitstring(\"x\"); print(\"on\");", &device, "");
+    EXPECT_EQ(run.code, 0u);
+    EXPECT_EQ(run.output, "on");
+    EXPECT_EQ(device.TakeTransmitted(), "");
+}
+
+TEST(BuiltinTransmitString, ArgumentChecks) {
+    CSimDevice device;
+    EXPECT_EQ(BuiltinIoRun("transmitstring();", &device, "").code, SCRIPT_ERR_PARAMCOUNT);
+    EXPECT_EQ(BuiltinIoRun("transmitstring(\"a\", \"b\");", &device, "").code, SCRIPT_ERR_PARAMCOUNT);
+    EXPECT_EQ(BuiltinIoRun("transmitstring(5);", &device, "").code, SCRIPT_ERR_TYPE);
+    EXPECT_EQ(BuiltinIoRun("func f() { } transmitstring(&f);", &device, "").code, SCRIPT_ERR_TYPE);
+    EXPECT_EQ(device.CallCount("Transmit"), 0u);
+}
+
+TEST(BuiltinReceiveString, AsAStatementReadsNothing) {
+    CSimDevice device;
+    device.PreloadReceive("waiting");
+    EXPECT_EQ(BuiltinIoRun("receivestring();", &device, "").code, 0u);
+    EXPECT_EQ(device.CallCount("Receive"), 0u);
+    EXPECT_EQ(device.PendingReceive(), 7u);
+    EXPECT_EQ(BuiltinIoRun("var string s; s = receivestring(1);", &device, "").code, SCRIPT_ERR_PARAMCOUNT);
+    EXPECT_EQ(device.CallCount("Receive"), 0u);
+}
+
+TEST(BuiltinReceiveString, CollectsUntilTheDeviceHasNothingMore) {
+    CSimDevice device;
+    TExternal s("s", SCRIPT_TYPE_STRING);
+    // Loopback: what was sent comes back, NUL bytes included.
+    ASSERT_EQ(BuiltinIoRun("transmitstring(\"a\\0\"); transmitstring(\"b\"); s = receivestring();",
+                           &device, "", nullptr, &s.list).code, 0u);
+    EXPECT_EQ(s.variable.GetText(), std::string("a\0b", 3));
+    EXPECT_EQ(device.CallCount("Receive"), 2u);  // the bytes, then the empty answer
+    ASSERT_EQ(BuiltinIoRun("s = receivestring();", &device, "", nullptr, &s.list).code, 0u);
+    EXPECT_EQ(s.variable.GetText(), "");
+}
+
+TEST(BuiltinReceiveString, AChannelErrorKeepsWhatCameBefore) {
+    CSimDevice device;
+    TExternal s("s", SCRIPT_TYPE_STRING);
+    device.PreloadReceive("ab");
+    device.InjectFault("Receive", 1);
+    ASSERT_EQ(BuiltinIoRun("s = \"old\"; s = receivestring();", &device, "", nullptr, &s.list).code, 0u);
+    EXPECT_EQ(s.variable.GetText(), "");
+    EXPECT_EQ(device.PendingReceive(), 2u);
+
+    // The second read fails: the first one's bytes are the result.
+    device.PreloadReceive("cd");
+    device.InjectFault("Receive", 2);
+    ASSERT_EQ(BuiltinIoRun("s = receivestring();", &device, "", nullptr, &s.list).code, 0u);
+    EXPECT_EQ(s.variable.GetText(), "abcd");
+}
+
+TEST(BuiltinReceiveString, LargeQueueArrivesWhole) {
+    CSimDevice device;
+    std::string bytes(3 * 1000 * 1000 + 17, '\0');
+    for (size_t i = 0; i < bytes.size(); ++i) bytes[i] = (char)(i * 131 + (i >> 12));
+    device.PreloadReceive(bytes);
+    TExternal s("s", SCRIPT_TYPE_STRING);
+    ASSERT_EQ(BuiltinIoRun("s = receivestring();", &device, "", nullptr, &s.list).code, 0u);
+    EXPECT_TRUE(s.variable.GetText() == bytes);
+    EXPECT_EQ(device.PendingReceive(), 0u);
+    // Large reads: a few dozen calls, not one per kilobyte.
+    EXPECT_LT(device.CallCount("Receive"), 100u);
+}
+
+TEST(BuiltinReceiveString, BeyondTheStringLimitIsOutOfMemory) {
+    CSimDevice device;
+    device.PreloadReceive(std::string(300000, 'x'));
+    CONXScriptRunContext context;
+    context.m_limits.maxStringBytes = 100000;
+    TExternal s("s", SCRIPT_TYPE_STRING);
+    EXPECT_EQ(BuiltinIoRun("s = receivestring();", &device, "", nullptr, &s.list, &context).code,
+              SCRIPT_ERR_OUTOFMEMORY);
+    // It stops reading soon after the limit instead of draining the device.
+    EXPECT_GT(device.PendingReceive(), 100000u);
+}
+
+}  // namespace

@@ -1,0 +1,164 @@
+// Running scripts with the device and user-input built-ins against the
+// simulated device, a scratch folder and an operator double.
+#pragma once
+
+#include <atomic>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "host/sim/SimDevice.h"
+#include "os/Platform.h"
+#include "script/ScriptRun.h"
+#include "script/ScriptTestPrint.h"
+#include "script/ScriptValue.h"
+#include "scriptrt/DeviceFuncs.h"
+#include "scriptrt/OperatorPrompt.h"
+#include "scriptrt/UserInputFuncs.h"
+
+inline void BuiltinIoFactory(const TSCRIPTSYSFUNCENV& env, std::vector<CONXScriptSysFunc*>* list) {
+    list->push_back(new CONXTransmitString(env));
+    list->push_back(new CONXReceiveString(env));
+    list->push_back(new CONXTransmitFile(env));
+    list->push_back(new CONXTransmitFileFromString(env));
+    list->push_back(new CONXExecuteJobFile(env));
+    list->push_back(new CONXMessageBoxDialog(env));
+    list->push_back(new CONXUserInputNumDialog(env, "userinputdword", SCRIPT_TYPE_UINT32));
+    list->push_back(new CONXUserInputNumDialog(env, "userinputuint32", SCRIPT_TYPE_UINT32));
+    list->push_back(new CONXUserInputNumDialog(env, "userinputint32", SCRIPT_TYPE_INT32));
+    list->push_back(new CONXUserInputNumDialog(env, "userinputuint64", SCRIPT_TYPE_UINT64));
+    list->push_back(new CONXUserInputNumDialog(env, "userinputint64", SCRIPT_TYPE_INT64));
+    list->push_back(new CONXUserInputStringDialog(env));
+    list->push_back(new CONXUserListInputDialog(env));
+}
+
+inline void BuiltinIoCollect(void* context, const char* text) {
+    static_cast<std::string*>(context)->append(text);
+}
+
+// A scratch folder per test, removed afterwards; Base() is in the module's
+// path form, as the Script Processor hands it to a run.
+class CBuiltinIoFolder {
+public:
+    CBuiltinIoFolder() {
+        static std::atomic<int> serial{0};
+        m_path = std::filesystem::temp_directory_path() /
+                 ("ond_bio_" + std::to_string(OsTickCount()) + "_" + std::to_string(serial++));
+        std::filesystem::create_directories(m_path);
+        OsFullPathName(m_path.string().c_str(), &m_base);
+    }
+    ~CBuiltinIoFolder() {
+        std::error_code ec;
+        std::filesystem::remove_all(m_path, ec);
+    }
+    const std::string& Base() const { return m_base; }
+    void Write(const std::string& name, const std::string& bytes) const {
+        FILE* f = fopen((m_path / name).string().c_str(), "wb");
+        if (!f) return;
+        fwrite(bytes.data(), 1, bytes.size(), f);
+        fclose(f);
+    }
+
+private:
+    std::filesystem::path m_path;
+    std::string m_base;
+};
+
+struct TBUILTINIORUN {
+    uint32_t code = 0;
+    std::string output;
+};
+
+// One run; `device` may be null (no channel). externals are visible to the
+// script and keep what it leaves in them.
+inline TBUILTINIORUN BuiltinIoRun(const std::string& text, COndDeviceComm_0* device,
+                                  const std::string& base, CONXOperatorPrompt_0* prompt = nullptr,
+                                  std::vector<CONXScriptVariable*>* externals = nullptr,
+                                  CONXScriptRunContext* context = nullptr) {
+    CONXScriptRunContext own;
+    if (!context) context = &own;
+    context->m_sysFuncFactories = {ScriptTestPrintFactory, BuiltinIoFactory};
+    context->m_pOperator = prompt;
+    TBUILTINIORUN run;
+    run.code = RunScript(context, device, text.c_str(), base.c_str(), externals, nullptr, nullptr,
+                         BuiltinIoCollect, &run.output, nullptr);
+    return run;
+}
+
+// The progress lines a transfer of `name` writes through step 40; name empty
+// for the bar alone. withStart: the all-dots line written before the transfer.
+inline std::string BuiltinIoProgress(const std::string& name, bool withStart, uint32_t lastStep = 40) {
+    std::string prefix = name.empty() ? std::string() : name + " ";
+    std::string out;
+    if (withStart) out += "\r" + prefix + std::string(40, '.');
+    for (uint32_t step = 0; step <= lastStep; ++step)
+        out += "\r" + prefix + std::string(step, '#') + std::string(40 - step, '.');
+    return out;
+}
+
+// An operator that answers from a script of answers and remembers what it was asked.
+class CTestOperator : public CONXOperatorPrompt_0 {
+public:
+    EOPERATORANSWER answer = OPERATOR_ANSWER_OK;
+    uint64_t number = 0;
+    std::string text;
+    uint32_t index = 0;
+
+    int calls = 0;
+    std::string caption, prompt, message;
+    TOPERATORNUMBERQUESTION question = {};
+    std::string initialText;
+    std::vector<std::string> items;
+    uint32_t initialIndex = 0;
+
+    void ShowMessage(const char* c, const char* t) override {
+        ++calls;
+        caption = c;
+        message = t;
+    }
+    EOPERATORANSWER AskNumber(const TOPERATORNUMBERQUESTION& q, uint64_t* value) override {
+        ++calls;
+        question = q;
+        caption = q.caption;
+        prompt = q.prompt;
+        question.caption = question.prompt = nullptr;  // not kept beyond the call
+        *value = number;
+        return answer;
+    }
+    EOPERATORANSWER AskString(const char* c, const char* p, const std::string& initial,
+                              std::string* value) override {
+        ++calls;
+        caption = c;
+        prompt = p;
+        initialText = initial;
+        *value = text;
+        return answer;
+    }
+    EOPERATORANSWER AskListItem(const char* c, const char* p, const std::vector<std::string>& list,
+                                uint32_t initial, uint32_t* selected) override {
+        ++calls;
+        caption = c;
+        prompt = p;
+        items = list;
+        initialIndex = initial;
+        *selected = index;
+        return answer;
+    }
+};
+
+// A path written into a script's string literal: backslashes doubled.
+inline std::string BuiltinIoLiteral(const std::string& path) {
+    std::string out;
+    for (char c : path) {
+        if (c == '\\') out += '\\';
+        out += c;
+    }
+    return out;
+}
+
+// The diagnostic line that follows a failed run's own output.
+inline bool BuiltinIoEndsWithError(const std::string& output, size_t ownLength, const char* errorText) {
+    return output.size() > ownLength && output.compare(ownLength, strlen(errorText), errorText) == 0;
+}

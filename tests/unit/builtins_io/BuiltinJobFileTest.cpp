@@ -1,0 +1,128 @@
+// executejobfile: loading, every entry with its progress line, failures with
+// and without continueAfterError and ignoreFailure, stop requests.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "BuiltinIoTestRun.h"
+#include "script/ScriptErrors.h"
+
+namespace {
+
+class BuiltinExecuteJobFile : public ::testing::Test {
+protected:
+    void SetUp() override {
+        m_folder.Write("a.bin", "AAAA");
+        m_folder.Write("b.bin", "BB");
+        m_folder.Write("c.bin", "C");
+        // Relative entries: they lie beside the job file.
+        m_folder.Write("jobs.dcj", "a.bin\t1\t10\tnormal\nb.bin\t2\t20\tprogram\r\nc.bin\t3\t30\tbit reverse\n");
+    }
+    TBUILTINIORUN Run(const std::string& text) { return BuiltinIoRun(text, &m_device, m_folder.Base()); }
+    std::string Ok(const char* name) { return BuiltinIoProgress(name, true) + " -> OK\n"; }
+
+    CBuiltinIoFolder m_folder;
+    CSimDevice m_device;
+};
+
+TEST_F(BuiltinExecuteJobFile, TransfersEveryEntryInOrder) {
+    TBUILTINIORUN run = Run("print(executejobfile(\"jobs.dcj\"), \"|\");");
+    ASSERT_EQ(run.code, 0u) << run.output;
+    EXPECT_EQ(run.output, Ok("a.bin") + Ok("b.bin") + Ok("c.bin") + "0|");
+    CSimDevice::TStoredFile file;
+    ASSERT_TRUE(m_device.GetStoredFile(1, &file));
+    EXPECT_EQ(file.data, "AAAA");
+    EXPECT_EQ(file.fileType, 10);
+    EXPECT_EQ(m_device.ProgramImage(), "BB");
+    ASSERT_TRUE(m_device.GetStoredFile(3, &file));
+    EXPECT_EQ(file.data, "\xC2");  // 'C' bit-reversed
+    EXPECT_EQ(m_device.LastTransfer().localPath, m_folder.Base() + "\\c.bin");
+    EXPECT_EQ(m_device.LastTransfer().steps, 40u);
+}
+
+TEST_F(BuiltinExecuteJobFile, FirstFailureStopsTheJob) {
+    m_device.InjectFault("TransmitFile", 2);
+    TBUILTINIORUN run = Run("executejobfile(\"jobs.dcj\");");
+    EXPECT_EQ(run.code, SCRIPT_ERR_SYSFUNC);
+    std::string own = Ok("a.bin") + "\rb.bin " + std::string(40, '.') +
+                      "\n-> Simulated device fault during ExecuteJobFile (jobs.dcj)\n";
+    EXPECT_EQ(run.output.substr(0, own.size()), own);
+    EXPECT_TRUE(BuiltinIoEndsWithError(run.output, own.size(), "System function failed")) << run.output;
+    EXPECT_EQ(m_device.CallCount("TransmitFile"), 2u);
+}
+
+TEST_F(BuiltinExecuteJobFile, ContinueAfterErrorTriesEveryEntryAndGivesTheFirstCode) {
+    m_device.InjectFault("TransmitFile", 1, SIMDEV_ERR_STORAGEFULL);
+    m_device.InjectFault("TransmitFile", 3, SIMDEV_ERR_INJECTED);
+    TBUILTINIORUN run = Run("var dword r; r = executejobfile(\"jobs.dcj\", 1, 1); print(r, \"|\");");
+    EXPECT_EQ(run.code, 0u);
+    EXPECT_EQ(run.output, "\ra.bin " + std::string(40, '.') +
+                              "\n-> Not enough free space on the device during ExecuteJobFile (jobs.dcj)\n" +
+                              Ok("b.bin") + "\rc.bin " + std::string(40, '.') +
+                              "\n-> Simulated device fault during ExecuteJobFile (jobs.dcj)\n1002|");
+    EXPECT_EQ(m_device.CallCount("TransmitFile"), 3u);
+
+    // Without ignoreFailure the run ends after trying them all.
+    m_device.InjectFault("TransmitFile", 1);
+    run = Run("executejobfile(\"jobs.dcj\", 1);");
+    EXPECT_EQ(run.code, SCRIPT_ERR_SYSFUNC);
+    EXPECT_EQ(m_device.CallCount("TransmitFile"), 6u);
+}
+
+TEST_F(BuiltinExecuteJobFile, IgnoreFailureWithoutContinueStopsButGoesOn) {
+    m_device.InjectFault("TransmitFile", 1);
+    TBUILTINIORUN run = Run("print(executejobfile(\"jobs.dcj\", 0, 1), \"|after\");");
+    EXPECT_EQ(run.code, 0u);
+    EXPECT_EQ(m_device.CallCount("TransmitFile"), 1u);
+    EXPECT_NE(run.output.find("1005|after"), std::string::npos) << run.output;
+}
+
+TEST_F(BuiltinExecuteJobFile, MissingJobFile) {
+    std::string own = "Could not load job file (" + m_folder.Base() + "\\none.dcj)\n";
+    TBUILTINIORUN run = Run("executejobfile(\"none.dcj\", 1);");
+    EXPECT_EQ(run.code, SCRIPT_ERR_SYSFUNC);
+    EXPECT_EQ(run.output.substr(0, own.size()), own);
+    EXPECT_TRUE(BuiltinIoEndsWithError(run.output, own.size(), "System function failed")) << run.output;
+
+    run = Run("var dword r; r = 5; r = executejobfile(\"none.dcj\", 0, 1); print(r);");
+    EXPECT_EQ(run.code, 0u);
+    EXPECT_EQ(run.output, own + "12");
+    EXPECT_EQ(m_device.CallCount("TransmitFile"), 0u);
+}
+
+TEST_F(BuiltinExecuteJobFile, EmptyJobFileTransfersNothing) {
+    m_folder.Write("empty.dcj", "only a line without tabs\n");
+    TBUILTINIORUN run = Run("print(executejobfile(\"empty.dcj\"));");
+    EXPECT_EQ(run.code, 0u);
+    EXPECT_EQ(run.output, "0");
+    EXPECT_EQ(m_device.CallCount("TransmitFile"), 0u);
+}
+
+TEST_F(BuiltinExecuteJobFile, ArgumentChecks) {
+    const char* cases[][2] = {
+        {"executejobfile();", "8"},
+        {"executejobfile(\"jobs.dcj\", 1, 1, 1);", "8"},
+        {"func f() { } executejobfile(\"jobs.dcj\", &f);", "10"},
+        {"executejobfile(1);", "10"},
+        {"executejobfile(\"jobs.dcj\", \"1\");", "10"},
+        {"executejobfile(\"jobs.dcj\", 1, \"1\");", "10"},
+    };
+    for (auto& c : cases) {
+        TBUILTINIORUN run = Run(c[0]);
+        EXPECT_EQ(run.code, (uint32_t)atoi(c[1])) << c[0];
+        EXPECT_EQ(run.output.find("job file"), std::string::npos) << c[0];
+    }
+    EXPECT_EQ(m_device.CallCount("TransmitFile"), 0u);
+}
+
+TEST_F(BuiltinExecuteJobFile, OutsideTheFileRootNothingIsRead) {
+    CONXScriptRunContext context;
+    context.m_limits.fileRoot = m_folder.Base() + "\\inner";
+    TBUILTINIORUN run = BuiltinIoRun("executejobfile(\"jobs.dcj\", 0, 1);", &m_device, m_folder.Base(),
+                                     nullptr, nullptr, &context);
+    EXPECT_EQ(run.code, 0u);
+    EXPECT_EQ(run.output, "Could not load job file (" + m_folder.Base() + "\\jobs.dcj)\n");
+    EXPECT_EQ(m_device.CallCount("TransmitFile"), 0u);
+}
+
+}  // namespace
