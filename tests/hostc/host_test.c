@@ -202,6 +202,105 @@ static void TestEventRoutes(void) {
     DeleteInstance(obj);
 }
 
+/* --- the Script Processor through Call --- */
+
+/* The host's element of the variable exchange: 144 bytes, of which the module
+   uses the first four fields. */
+typedef struct {
+    const char* name;
+    uint32_t type;
+    uint32_t pad;
+    uint64_t value;  /* setting: a pointer; reading back: the number itself */
+    uint64_t length; /* setting: the low 32 bits; reading back: all 64 */
+    uint8_t host[112];
+} ScriptVar;
+_Static_assert(sizeof(ScriptVar) == 144, "the host's element");
+
+static char scriptOutput[1024];
+
+static void CollectOutput(void* context, const char* text) {
+    CHECK(context == (void*)scriptOutput);
+    strncat(scriptOutput, text, sizeof scriptOutput - strlen(scriptOutput) - 1);
+}
+
+static uint32_t CallSP(void* obj, uint32_t command, uint64_t a, uint64_t b, uint64_t c) {
+    return ((FnCall)SLOT(obj, SLOT_CALL))(obj, command, a, b, c, 0);
+}
+
+static void TestScriptProcessorCall(void) {
+    void* sp = CreateInstance(0x1002);
+    CChannel channel;
+    CChannelInit(&channel);
+    ((FnConnect)SLOT(sp, SLOT_CONNECT))(sp, &channel);
+
+    /* Variables in: numbers by pointer, a string by pointer and 32-bit length. */
+    uint64_t count = 41, wide = (uint64_t)-2;
+    ScriptVar set[3];
+    memset(set, 0xCD, sizeof set);
+    set[0].name = "Count";
+    set[0].type = 1;
+    set[0].value = (uint64_t)(uintptr_t)&count;
+    set[1].name = "Label";
+    set[1].type = 2;
+    set[1].value = (uint64_t)(uintptr_t)"abcdef";
+    memcpy(&set[1].length, &(uint32_t){3}, 4);
+    set[2].name = "Wide";
+    set[2].type = 5;
+    set[2].value = (uint64_t)(uintptr_t)&wide;
+    CHECK(CallSP(sp, 0x1002, (uint64_t)(uintptr_t)set, 3, 0) == 0);
+
+    /* Script text, output through a C function. */
+    scriptOutput[0] = 0;
+    const char* text = "print(Label, Count + 1, \"\\n\"); Count = Count * 2; Label = Label + \"!\"; Wide = Wide - 1;";
+    CHECK(CallSP(sp, 0x1000, (uint64_t)(uintptr_t)text, (uint64_t)(uintptr_t)CollectOutput,
+                 (uint64_t)(uintptr_t)scriptOutput) == 0);
+    CHECK(strcmp(scriptOutput, "abc42\n") == 0);
+    CHECK(channel.callCount == 2 && channel.calls[0].slot == 11 && channel.calls[1].slot == 13);
+    CHECK(channel.calls[0].args[0] == (uint64_t)(uintptr_t)sp && channel.calls[0].args[1] == 500);
+
+    /* Variables back: the values themselves, case-insensitive names. */
+    ScriptVar get[3];
+    memset(get, 0, sizeof get);
+    get[0].name = "COUNT";
+    get[1].name = "label";
+    get[2].name = "wide";
+    uint32_t found = 0;
+    CHECK(CallSP(sp, 0x1003, (uint64_t)(uintptr_t)get, 3, (uint64_t)(uintptr_t)&found) == 0);
+    CHECK(found == 3);
+    CHECK(get[0].type == 1 && (uint32_t)get[0].value == 82);
+    CHECK(get[1].type == 2 && get[1].length == 4 &&
+          memcmp((const char*)(uintptr_t)get[1].value, "abc!", 4) == 0);
+    CHECK(get[2].type == 5 && (int64_t)get[2].value == -3);
+
+    /* A script file: the channel is locked twice, then unlocked twice. */
+    char path[MAX_PATH + 32];
+    DWORD n = GetTempPathA(MAX_PATH, path);
+    CHECK(n > 0 && n < MAX_PATH);
+    strcat(path, "ond_host_c_test.dcs");
+    FILE* f = fopen(path, "wb");
+    CHECK(f != NULL);
+    if (f) {
+        fputs("print(\"file \", Count);\r\n", f);
+        fclose(f);
+    }
+    channel.callCount = 0;
+    scriptOutput[0] = 0;
+    CHECK(CallSP(sp, 0x1001, (uint64_t)(uintptr_t)path, (uint64_t)(uintptr_t)CollectOutput,
+                 (uint64_t)(uintptr_t)scriptOutput) == 0);
+    CHECK(strcmp(scriptOutput, "file 82") == 0);
+    CHECK(channel.callCount == 4);
+    CHECK(channel.calls[0].slot == 11 && channel.calls[1].slot == 11);
+    CHECK(channel.calls[2].slot == 13 && channel.calls[3].slot == 13);
+    CHECK(channel.lockDepth == 0);
+    remove(path);
+
+    /* A failing script and a missing file. */
+    CHECK(CallSP(sp, 0x1000, (uint64_t)(uintptr_t)"print(1 / 0);", 0, 0) == 21);
+    CHECK(CallSP(sp, 0x1001, (uint64_t)(uintptr_t)path, 0, 0) == 8);
+    CHECK(CallSP(sp, 0x1001, (uint64_t)(uintptr_t)"", 0, 0) == 6);
+    DeleteInstance(sp);
+}
+
 /* An object the module did not make answers another type and is left alone. */
 static int foreignTouched;
 static uint32_t ForeignType(void* self) { (void)self; return 0x2000; }
@@ -237,6 +336,7 @@ int main(void) {
     TestCommonSlots(0x1001);
     TestCommonSlots(0x1002);
     TestEventRoutes();
+    TestScriptProcessorCall();
     TestForeignObjectIsNotDeleted();
 
     FreeLibrary(dll);
