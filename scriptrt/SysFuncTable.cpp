@@ -5,11 +5,13 @@
 
 #include "script/ScriptValue.h"
 #include "scriptrt/ControlFuncs.h"
+#include "scriptrt/DeviceFuncs.h"
 #include "scriptrt/FileFuncs.h"
 #include "scriptrt/NumberFuncs.h"
 #include "scriptrt/SubScriptFuncs.h"
 #include "scriptrt/TextFuncs.h"
 #include "scriptrt/TimeFuncs.h"
+#include "scriptrt/UserInputFuncs.h"
 
 void ScriptRuntimeFactory(const TSCRIPTSYSFUNCENV& env, std::vector<CONXScriptSysFunc*>* functions) {
     const TSCRIPTSYSFUNCENV& e = env;
@@ -47,4 +49,17 @@ void ScriptRuntimeFactory(const TSCRIPTSYSFUNCENV& env, std::vector<CONXScriptSy
     f.push_back(new CONXGetBasePathFunc(e));
     f.push_back(new CONXGetSysDateFunc(e));
     f.push_back(new CONXGetSysTimeFunc(e));
+    f.push_back(new CONXTransmitString(e));
+    f.push_back(new CONXReceiveString(e));
+    f.push_back(new CONXTransmitFile(e));
+    f.push_back(new CONXTransmitFileFromString(e));
+    f.push_back(new CONXExecuteJobFile(e));
+    f.push_back(new CONXMessageBoxDialog(e));
+    f.push_back(new CONXUserInputNumDialog(e, "userinputdword", SCRIPT_TYPE_UINT32));
+    f.push_back(new CONXUserInputNumDialog(e, "userinputuint32", SCRIPT_TYPE_UINT32));
+    f.push_back(new CONXUserInputNumDialog(e, "userinputint32", SCRIPT_TYPE_INT32));
+    f.push_back(new CONXUserInputNumDialog(e, "userinputuint64", SCRIPT_TYPE_UINT64));
+    f.push_back(new CONXUserInputNumDialog(e, "userinputint64", SCRIPT_TYPE_INT64));
+    f.push_back(new CONXUserInputStringDialog(e));
+    f.push_back(new CONXUserListInputDialog(e));
 }
