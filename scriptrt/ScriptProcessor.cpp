@@ -9,8 +9,8 @@
 #include "frame/Dialog.h"
 #include "os/Platform.h"
 #include "script/ScriptErrors.h"
-#include "script/ScriptTestPrint.h"
 #include "script/ScriptValue.h"
+#include "scriptrt/SysFuncTable.h"
 
 namespace {
 
@@ -52,7 +52,7 @@ bool SameNameIgnoringCase(const char* a, const char* b) {
 }  // namespace
 
 CONXScriptProcessor::CONXScriptProcessor() {
-    m_runContext.m_sysFuncFactories.push_back(ScriptTestPrintFactory);
+    m_runContext.m_sysFuncFactories.push_back(ScriptRuntimeFactory);
 }
 
 CONXScriptProcessor::~CONXScriptProcessor() {

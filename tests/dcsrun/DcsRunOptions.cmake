@@ -60,6 +60,10 @@ run(21 ${SCRIPTS}/fails.dcs)
 expect_equal("failing script" "${out}"
              "before\nDivision by 0 error near line 2/column 12 (offset 30) during executing\n")
 
+# exit() is a success.
+run(0 ${SCRIPTS}/exits.dcs)
+expect_equal("exit" "${out}" "leaving\n")
+
 # Variables in and out; the string read back goes in again unchanged.
 run(0 --set Count=dword:41 "--set=Name=string:a\\tb\\(0)" --set Big=int64:-9000000000
     --get count --get Name --get=Big --get Missing ${SCRIPTS}/variables.dcs)

@@ -58,6 +58,8 @@ TEST_F(ProcessorRun, ErrorClassBitsDecide) {
     // exit()'s code: a user error of code 0 ends the run as a success.
     EXPECT_EQ(Run("print(\"a\"); raise(0x10000000); print(\"b\");"), EONX_ERR_NONE);
     EXPECT_EQ(output, "a");
+    EXPECT_EQ(Run("print(\"a\"); exit(); print(\"b\");"), EONX_ERR_NONE);
+    EXPECT_EQ(output, "a");
     // A user error with a code is a failure.
     EXPECT_EQ(Run("raise(0x10000005);"), EONX_ERR_SCRIPTFAILED);
     EXPECT_EQ(Run("raise(13);"), EONX_ERR_SCRIPTFAILED);
