@@ -3,7 +3,7 @@
 //   "# expect: TEXT"     one expected output line (TEXT literally, then "\n")
 //   "# expect-code: N"   the expected result code (decimal or 0x hex; default 0)
 //   NAME.out             if present, the exact expected output instead
-// Each script gets the engine's test "print", the simulated device and its
+// Each script gets every built-in, the simulated device and its
 // own folder as base directory.
 //
 // With --program PROGRAM each script is run as "PROGRAM SCRIPT" instead (dcsrun):
@@ -22,7 +22,7 @@
 
 #include "host/sim/SimDevice.h"
 #include "script/ScriptRun.h"
-#include "script/ScriptTestPrint.h"
+#include "scriptrt/SysFuncTable.h"
 
 namespace fs = std::filesystem;
 
@@ -173,7 +173,7 @@ int main(int argc, char** argv) {
         }
         CSimDevice device;
         CONXScriptRunContext context;
-        context.m_sysFuncFactories.push_back(ScriptTestPrintFactory);
+        context.m_sysFuncFactories.push_back(ScriptRuntimeFactory);
         // The module's path form: on POSIX "Z:\..." maps back to the root.
         std::string directory = fs::absolute(script).parent_path().string();
         uint32_t code = RunScript(&context, &device, text.c_str(), directory.c_str(), nullptr,
