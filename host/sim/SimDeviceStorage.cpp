@@ -20,11 +20,12 @@ uint32_t Clamp32(uint64_t value) {
 
 // Whole file into *data; false when it cannot be opened or read.
 bool ReadLocalFile(const char* path, std::string* data) {
+    // On the heap: the channel is called on the script worker's 64 KiB stack.
+    std::vector<char> chunk(65536);
     FILE* file = OsOpenFile(path, "rb");
     if (file == nullptr) return false;
-    char chunk[65536];
     size_t got;
-    while ((got = fread(chunk, 1, sizeof chunk, file)) != 0) data->append(chunk, got);
+    while ((got = fread(chunk.data(), 1, chunk.size(), file)) != 0) data->append(chunk.data(), got);
     bool ok = ferror(file) == 0;
     fclose(file);
     return ok;
