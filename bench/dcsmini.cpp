@@ -1,4 +1,4 @@
-// dcsmini: runs one .dcs file with the engine's test "print" only; output on
+// dcsmini: runs one .dcs file with every built-in (no channel); output on
 // stdout, exit status = the script's result code (low 8 bits; 0 = success).
 // The script runs on a 64 KiB thread, as in the Script Processor.
 #include <cstdio>
@@ -6,7 +6,7 @@
 
 #include "os/Platform.h"
 #include "script/ScriptRun.h"
-#include "script/ScriptTestPrint.h"
+#include "scriptrt/SysFuncTable.h"
 
 namespace {
 
@@ -21,7 +21,7 @@ void Write(void*, const char* text) { fputs(text, stdout); }
 void Main(void* p) {
     TJOB* job = static_cast<TJOB*>(p);
     CONXScriptRunContext context;
-    context.m_sysFuncFactories.push_back(ScriptTestPrintFactory);
+    context.m_sysFuncFactories.push_back(ScriptRuntimeFactory);
     job->code = RunScript(&context, nullptr, job->text->c_str(), job->directory.c_str(), nullptr,
                           nullptr, nullptr, Write, nullptr, nullptr);
 }
