@@ -118,8 +118,7 @@ uint32_t CONXScriptFunc::ExecuteStatement(CONXScriptExecContext* context, uint64
 
 uint32_t CONXScriptFunc::ExecStatement(CONXScriptExecContext* context, uint64_t offset) {
     if (context->Step()) return SCRIPT_ERR_ABORTED;
-    context->position = offset;
-    TSCRIPTTOKEN* t = context->Next();
+    TSCRIPTTOKEN* t = context->ReadAt(offset);
     if (t->error) return t->error;
     uint32_t err;
     if (t->kind == SCRIPT_TOK_IDENT && t->keyword == SCRIPT_KW_IF) {

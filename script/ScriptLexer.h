@@ -121,6 +121,20 @@ public:
         m_pNext = t == &m_scratch ? nullptr : t + 1;
         return t;
     }
+    // Reads the token at pos (a statement's offset).
+    TSCRIPTTOKEN* ReadAt(uint64_t pos) {
+        int32_t i = pos <= length ? m_index[pos] : -1;
+        if (i < 0) {
+            position = pos;
+            m_pNext = nullptr;
+            return Next();
+        }
+        TSCRIPTTOKEN* t = &m_tokens[i];
+        tokenStart = t->start;
+        position = t->end;
+        m_pNext = t + 1;
+        return t;
+    }
     // The token a read would give now, if known without a look-up.
     TSCRIPTTOKEN* Upcoming() const {
         return (m_pNext && m_pNext->callPos == position) ? m_pNext : nullptr;
