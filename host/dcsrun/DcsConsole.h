@@ -3,5 +3,3 @@
 
 // Standard output and error take bytes as they are (no "\r\n" for "\n").
 void DcsBinaryOutput();
-// True when standard input is an interactive terminal.
-bool DcsInputIsTerminal();

@@ -8,7 +8,7 @@
 #include <memory>
 #include <string>
 
-#include "host/dcsrun/DcsBatchPrompt.h"
+#include "host/console/ConsolePrompt.h"
 #include "host/dcsrun/DcsConsole.h"
 #include "host/dcsrun/DcsOptions.h"
 #include "host/dcsrun/DcsVariables.h"
@@ -125,9 +125,8 @@ int Main(int argc, char** argv) {
 
     CONXScriptProcessor processor;
     processor.Connect(device);
-    CDcsBatchPrompt batch;
-    // Until the console prompt is built in, every run answers as in batch mode.
-    processor.SetOperatorPrompt(&batch);
+    CConsolePrompt prompt(options.batch);
+    processor.SetOperatorPrompt(&prompt);
     if (variables.Count()) {
         EONX_ERR_ERRCODE_ set = processor.SetVariables(variables.Records(), variables.Count(), false);
         if (set != EONX_ERR_NONE) {

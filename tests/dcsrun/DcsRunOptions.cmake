@@ -64,6 +64,22 @@ expect_equal("failing script" "${out}"
 run(0 ${SCRIPTS}/exits.dcs)
 expect_equal("exit" "${out}" "leaving\n")
 
+# Transfers on the script thread, their progress lines as drawn, a preloaded device.
+run(0 --sim-receive-bytes 100000 ${SCRIPTS}/transfer.dcs)
+string(REPLACE "\r" "<CR>" shown "${out}")
+expect_contains("progress" "${shown}" "<CR>transfer.dcs #.......")
+expect_contains("file done" "${shown}" "<CR>transfer.dcs ######################################## -> OK\n")
+expect_contains("string done" "${shown}" "<CR>######################################## -> OK\n")
+expect_contains("preloaded" "${out}" "received 100000 bytes ending in 789\n")
+file(WRITE ${WORK}/queued.bin "abc\n")
+run(0 --sim-receive ${WORK}/queued.bin ${SCRIPTS}/transfer.dcs)
+expect_contains("preloaded file" "${out}" "received 4 bytes ending in bc\n\n")
+
+# The operator's questions in batch mode.
+run(0 --batch ${SCRIPTS}/asks.dcs)
+expect_equal("batch answers" "${out}" "50 0 -1 0\n")
+expect_contains("batch note" "${err}" "userinputdword \"Serial number\": no operator (batch), answered Cancel")
+
 # Variables in and out; the string read back goes in again unchanged.
 run(0 --set Count=dword:41 "--set=Name=string:a\\tb\\(0)" --set Big=int64:-9000000000
     --get count --get Name --get=Big --get Missing ${SCRIPTS}/variables.dcs)

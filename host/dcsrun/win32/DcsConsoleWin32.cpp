@@ -9,5 +9,3 @@ void DcsBinaryOutput() {
     _setmode(_fileno(stdout), _O_BINARY);
     _setmode(_fileno(stderr), _O_BINARY);
 }
-
-bool DcsInputIsTerminal() { return _isatty(_fileno(stdin)) != 0; }
