@@ -1,0 +1,357 @@
+#include "scriptrt/win32/ScriptProcessorDialog.h"
+
+#include <windows.h>
+#include <commdlg.h>
+#include <shellapi.h>
+
+#include <cstdio>
+#include <new>
+
+#include "res/OndResource.h"
+#include "scriptrt/ScriptProcessor.h"
+
+namespace {
+
+const DWORD kWorkerStackBytes = 65536;
+const char kScriptFilter[] = "Script files (*.dcs)\0*.dcs\0All files (*.*)\0*.*\0";
+
+// The anchoring of the controls when the window is resized.
+const struct {
+    uint32_t id, flags;
+} kPlacement[] = {
+    {IDC_SP_CONFIG, 0x10007}, {IDC_SP_LOG, 0x1000F},    {IDC_SP_PATHLABEL, 0x10039},
+    {IDC_SP_PATH, 0x1002D},   {IDC_SP_BROWSE, 0x1003C}, {IDOK, 0x1003C},
+    {IDC_SP_COPY, 0x10039},   {IDC_SP_NEW, 0x10039},    {IDC_SP_EDIT, 0x1003C},
+    {IDC_SP_EXECUTE, 0x1003C},
+};
+
+std::string ControlText(HWND control) {
+    int length = GetWindowTextLengthA(control);
+    std::string text(static_cast<size_t>(length > 0 ? length : 0) + 1, '\0');
+    length = GetWindowTextA(control, &text[0], length + 1);
+    text.resize(static_cast<size_t>(length > 0 ? length : 0));
+    return text;
+}
+
+// Sets a control's text only when it differs: the status timer refreshes
+// every half second and should not make the controls flicker.
+void SetTextIfChanged(HWND control, const char* text) {
+    if (control && ControlText(control) != text) SetWindowTextA(control, text);
+}
+
+}  // namespace
+
+CScriptProcessorDialog::CScriptProcessorDialog(HWND parent)
+    : CONXDialog(IDD_SCRIPTPROCESSOR, parent) {
+    m_hIdleEvent = CreateEventA(nullptr, TRUE, TRUE, nullptr);
+    LoadSmallIcon(IDI_SCRIPTPROCESSOR);
+}
+
+CScriptProcessorDialog::~CScriptProcessorDialog() {
+    m_bClosing = true;
+    EndRun();
+    if (m_hIdleEvent) {
+        WaitForSingleObject(m_hIdleEvent, INFINITE);
+        CloseHandle(m_hIdleEvent);
+    }
+}
+
+CONXScriptProcessor* CScriptProcessorDialog::Processor() const {
+    // Only the Script Processor makes this dialog.
+    return static_cast<CONXScriptProcessor*>(static_cast<CONXDeviceClient*>(m_pOwner));
+}
+
+bool CScriptProcessorDialog::IsIdle() const {
+    return !m_hIdleEvent || WaitForSingleObject(m_hIdleEvent, 0) == WAIT_OBJECT_0;
+}
+
+bool CScriptProcessorDialog::OnInitDialog() {
+    CONXDialog::OnInitDialog();
+    SendMessageA(GetDlgItem(IDC_SP_LOG), WM_SETFONT,
+                 reinterpret_cast<WPARAM>(GetStockObject(SYSTEM_FIXED_FONT)), FALSE);
+    for (const auto& p : kPlacement) AutoDlgCtrlPlacement(p.id, p.flags);
+    RECT window;
+    GetWindowRect(m_hWnd, &window);
+    m_nMinWidth = window.right - window.left;
+    UpdateDialogState();
+    return true;
+}
+
+bool CScriptProcessorDialog::OnMessage(uint32_t message, uintptr_t wParam, intptr_t lParam,
+                                       intptr_t* result) {
+    switch (message) {
+        case ONX_WM_SCRIPTOUTPUT:
+            AppendOutput(reinterpret_cast<const char*>(wParam));
+            *result = 0;
+            return true;
+        case ONX_WM_SCRIPTENDED:
+            OnScriptEnded(static_cast<uint32_t>(wParam));
+            *result = 0;
+            return true;
+        case WM_GETMINMAXINFO: {
+            MINMAXINFO* info = reinterpret_cast<MINMAXINFO*>(lParam);
+            if (m_nMinWidth > 0) info->ptMinTrackSize.x = m_nMinWidth;
+            info->ptMinTrackSize.y = m_nMinHeight;
+            *result = 0;
+            return true;
+        }
+        case WM_DESTROY:
+            // Also when the window goes with its parent, without DestroyWindow.
+            m_bClosing = true;
+            EndRun();
+            return false;
+    }
+    return CONXDialog::OnMessage(message, wParam, lParam, result);
+}
+
+bool CScriptProcessorDialog::OnCommand(uint32_t id, uint32_t notifyCode, HWND control) {
+    if (notifyCode != BN_CLICKED) return CONXDialog::OnCommand(id, notifyCode, control);
+    switch (id) {
+        case IDC_SP_BROWSE: OnBrowse(); return true;
+        case IDC_SP_NEW: OnNewScript(); return true;
+        case IDC_SP_EDIT: OnEditScript(); return true;
+        case IDC_SP_EXECUTE: OnExecute(); return true;
+        case IDC_SP_COPY: CopyListBoxContentToClipBoard(GetDlgItem(IDC_SP_LOG)); return true;
+    }
+    return CONXDialog::OnCommand(id, notifyCode, control);
+}
+
+bool CScriptProcessorDialog::DestroyWindow() {
+    m_bClosing = true;
+    EndRun();
+    return CONXDialog::DestroyWindow();
+}
+
+void CScriptProcessorDialog::UpdateDialogState() {
+    if (!m_hWnd) return;
+    UpdateCommStatus(IDC_SP_CONFIG);
+    SetTextIfChanged(GetDlgItem(IDC_SP_PATH), m_strScriptPath.c_str());
+    bool havePath = !m_strScriptPath.empty();
+    EnableWindow(GetDlgItem(IDC_SP_EDIT), havePath);
+    EnableWindow(GetDlgItem(IDC_SP_EXECUTE), havePath);
+    SetTextIfChanged(GetDlgItem(IDC_SP_EXECUTE), IsIdle() ? "Execute script" : "Stop script");
+}
+
+void CScriptProcessorDialog::Error(const char* text) {
+    MessageBoxA(m_hWnd, text, "Error", MB_OK | MB_ICONEXCLAMATION);
+}
+
+void CScriptProcessorDialog::OnBrowse() {
+    char file[MAX_PATH] = "";
+    lstrcpynA(file, m_strScriptPath.c_str(), MAX_PATH);
+    OPENFILENAMEA ofn = {};
+    ofn.lStructSize = sizeof ofn;
+    ofn.hwndOwner = m_hWnd;
+    ofn.lpstrFilter = kScriptFilter;
+    ofn.nFilterIndex = 1;
+    ofn.lpstrFile = file;
+    ofn.nMaxFile = MAX_PATH;
+    ofn.lpstrTitle = "Open a script file";
+    ofn.lpstrDefExt = "dcs";
+    ofn.Flags = OFN_EXPLORER | OFN_HIDEREADONLY | OFN_PATHMUSTEXIST | OFN_FILEMUSTEXIST;
+    if (!GetOpenFileNameA(&ofn)) return;  // cancelled: nothing changes
+    m_strScriptPath = file;
+    UpdateDialogState();
+}
+
+void CScriptProcessorDialog::OnNewScript() {
+    char file[MAX_PATH] = "";
+    OPENFILENAMEA ofn = {};
+    ofn.lStructSize = sizeof ofn;
+    ofn.hwndOwner = m_hWnd;
+    ofn.lpstrFilter = kScriptFilter;
+    ofn.nFilterIndex = 1;
+    ofn.lpstrFile = file;
+    ofn.nMaxFile = MAX_PATH;
+    ofn.lpstrTitle = "New script file";
+    ofn.lpstrDefExt = "dcs";
+    ofn.Flags = OFN_EXPLORER | OFN_HIDEREADONLY | OFN_OVERWRITEPROMPT;
+    if (!GetSaveFileNameA(&ofn)) return;
+    // Opening for writing empties an existing file; the overwrite prompt asked.
+    FILE* created = std::fopen(file, "wb");
+    if (!created) {
+        Error("Cannot create script file!");
+        return;
+    }
+    std::fclose(created);
+    m_strScriptPath = file;
+    UpdateDialogState();
+    OnEditScript();
+}
+
+void CScriptProcessorDialog::OnEditScript() {
+    if (m_strScriptPath.empty()) {
+        Error("No file name present");
+        return;
+    }
+    std::string folder = m_strScriptPath;
+    size_t cut = folder.find_last_of('\\');
+    folder.resize(cut == std::string::npos ? 0 : cut);
+    // Opened as a text file whatever its extension: the editor for ".TXT".
+    SHELLEXECUTEINFOA info = {};
+    info.cbSize = sizeof info;
+    info.fMask = SEE_MASK_CLASSNAME;
+    info.hwnd = m_hWnd;
+    info.lpVerb = "open";
+    info.lpFile = m_strScriptPath.c_str();
+    info.lpDirectory = folder.empty() ? nullptr : folder.c_str();
+    info.nShow = SW_SHOWNORMAL;
+    info.lpClass = ".TXT";
+    ShellExecuteExA(&info);
+    uintptr_t code = reinterpret_cast<uintptr_t>(info.hInstApp);
+    if (code <= 32) {
+        char text[64];
+        std::snprintf(text, sizeof text, "ShellExecute error %u", static_cast<unsigned>(code));
+        Error(text);
+    }
+}
+
+void CScriptProcessorDialog::OnExecute() {
+    if (!IsIdle()) {
+        // The button does not wait: the script ends by itself.
+        if (m_pOwner) Processor()->StopScript();
+        UpdateDialogState();
+        return;
+    }
+    ResetEvent(m_hIdleEvent);
+    m_Log.Clear();
+    HWND log = GetDlgItem(IDC_SP_LOG);
+    SendMessageA(log, LB_RESETCONTENT, 0, 0);
+    SendMessageA(log, LB_SETHORIZONTALEXTENT, 0, 0);
+    if (!m_pOwner) {
+        SetEvent(m_hIdleEvent);  // nothing to run: not left "running"
+    } else if (!m_pDeviceComm) {
+        SetEvent(m_hIdleEvent);
+        Error("No communication device available!");
+    } else {
+        m_strRunPath = m_strScriptPath;
+        m_hRunWindow = m_hWnd;
+        m_Prompt.Reset();
+        DWORD id = 0;
+        m_hThread = CreateThread(nullptr, kWorkerStackBytes, WorkerThread, this,
+                                 STACK_SIZE_PARAM_IS_A_RESERVATION, &id);
+        m_nThreadId = id;
+        if (!m_hThread) {
+            SetEvent(m_hIdleEvent);
+            Error("Unable to create script thread");
+        }
+    }
+    UpdateDialogState();
+}
+
+unsigned long __stdcall CScriptProcessorDialog::WorkerThread(void* parameter) {
+    auto* self = static_cast<CScriptProcessorDialog*>(parameter);
+    CONXScriptProcessor* processor = self->Processor();
+    EONX_ERR_ERRCODE_ result;
+    try {
+        // The questions of this run go to the operator dialogs; whoever asked
+        // before (a host of its own) gets its prompt back afterwards.
+        CONXOperatorPrompt_0* previous = processor->GetRunContext()->m_pOperator;
+        processor->SetOperatorPrompt(&self->m_Prompt);
+        result = processor->ExecuteScriptFile(self->m_strRunPath.c_str(), Output, self);
+        processor->SetOperatorPrompt(previous);
+    } catch (...) {
+        result = EONX_ERR_SCRIPTFAILED;
+    }
+    HWND window = self->m_hRunWindow;
+    // A closing window does not serve posted messages: the worker ends the
+    // run itself then.
+    if (self->m_bClosing || !IsWindow(window) ||
+        !PostMessageA(window, ONX_WM_SCRIPTENDED, static_cast<WPARAM>(result), 0))
+        SetEvent(self->m_hIdleEvent);
+    return static_cast<unsigned long>(result);
+}
+
+void CScriptProcessorDialog::Output(void* dialog, const char* text) {
+    auto* self = static_cast<CScriptProcessorDialog*>(dialog);
+    if (self->m_bClosing) return;
+    HWND window = self->m_hRunWindow;
+    if (IsWindow(window)) SendMessageA(window, ONX_WM_SCRIPTOUTPUT, reinterpret_cast<WPARAM>(text), 0);
+}
+
+void CScriptProcessorDialog::OnScriptEnded(uint32_t result) {
+    if (m_hThread) {
+        WaitForSingleObject(m_hThread, INFINITE);
+        CloseHandle(m_hThread);
+        m_hThread = nullptr;
+        m_nThreadId = 0;
+    }
+    UpdateDialogState();
+    if (result != 0 && !m_bClosing) {
+        const char* reason = m_pDeviceComm ? m_pDeviceComm->GetInfoString(ONDCOMM_INFO_ERRORTEXT, result) : nullptr;
+        std::string text = "Error executing script: ";
+        text += reason ? reason : "";
+        Error(text.c_str());
+    }
+    SetEvent(m_hIdleEvent);
+    UpdateDialogState();
+}
+
+void CScriptProcessorDialog::AppendOutput(const char* text) {
+    if (m_bClosing || !text) return;
+    HWND log = GetDlgItem(IDC_SP_LOG);
+    if (!log) return;
+    TSCRIPTLOGCHANGE change;
+    try {
+        change = m_Log.Append(text);
+    } catch (...) {
+        return;  // out of memory: this piece of output is lost
+    }
+    SendMessageA(log, WM_SETREDRAW, FALSE, 0);
+    if (change.lastRemoved) {
+        LRESULT count = SendMessageA(log, LB_GETCOUNT, 0, 0);
+        if (count > 0) SendMessageA(log, LB_DELETESTRING, static_cast<WPARAM>(count - 1), 0);
+    }
+    for (size_t i = 0; i < change.dropped; ++i) SendMessageA(log, LB_DELETESTRING, 0, 0);
+    // Only the new lines are measured: the extent grows to the widest line
+    // seen since the log was cleared, without measuring 5000 lines per output.
+    HDC dc = GetDC(log);
+    HGDIOBJ oldFont = dc ? SelectObject(dc, reinterpret_cast<HGDIOBJ>(SendMessageA(log, WM_GETFONT, 0, 0)))
+                         : nullptr;
+    LONG widest = static_cast<LONG>(SendMessageA(log, LB_GETHORIZONTALEXTENT, 0, 0));
+    const auto& lines = m_Log.Lines();
+    for (size_t i = lines.size() - change.added; i < lines.size(); ++i) {
+        SendMessageA(log, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(lines[i].c_str()));
+        SIZE size = {};
+        if (dc && GetTextExtentPoint32A(dc, lines[i].c_str(), static_cast<int>(lines[i].size()), &size) &&
+            size.cx > widest)
+            widest = size.cx;
+    }
+    if (dc) {
+        if (oldFont) SelectObject(dc, oldFont);
+        ReleaseDC(log, dc);
+    }
+    SendMessageA(log, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(widest), 0);
+    LRESULT count = SendMessageA(log, LB_GETCOUNT, 0, 0);
+    if (count > 0) SendMessageA(log, LB_SETTOPINDEX, static_cast<WPARAM>(count - 1), 0);
+    SendMessageA(log, WM_SETREDRAW, TRUE, 0);
+    InvalidateRect(log, nullptr, TRUE);
+    UpdateWindow(log);
+}
+
+void CScriptProcessorDialog::EndRun() {
+    if (m_hThread) {
+        HANDLE thread = m_hThread;
+        if (m_pOwner) Processor()->StopScript();
+        m_Prompt.Abandon();
+        // Output sent meanwhile is served (and dropped) here; a question that
+        // opened after the first sweep is closed by a later one.
+        for (;;) {
+            DWORD woke = MsgWaitForMultipleObjects(1, &thread, FALSE, 100, QS_SENDMESSAGE);
+            if (woke == WAIT_OBJECT_0) break;
+            if (woke == WAIT_OBJECT_0 + 1) {
+                MSG msg;
+                PeekMessageA(&msg, nullptr, 0, 0, PM_NOREMOVE | PM_QS_SENDMESSAGE);
+            } else if (woke == WAIT_TIMEOUT) {
+                m_Prompt.Abandon();
+            } else {
+                WaitForSingleObject(thread, INFINITE);
+                break;
+            }
+        }
+        CloseHandle(thread);
+        m_hThread = nullptr;
+        m_nThreadId = 0;
+    }
+    if (m_hIdleEvent) SetEvent(m_hIdleEvent);
+}

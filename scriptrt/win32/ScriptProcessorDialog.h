@@ -1,0 +1,64 @@
+// CScriptProcessorDialog: the Script Processor's non-modal window. The
+// operator picks, creates or edits a script file, runs it on a worker thread
+// and watches its output in the log; the window's thread stays free.
+//
+// The worker sends each piece of output with ONX_WM_SCRIPTOUTPUT (and waits
+// until the log shows it) and posts ONX_WM_SCRIPTENDED with the run's result.
+// The idle event is the one state both threads read: set = no script runs.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <string>
+
+#include "frame/Dialog.h"
+#include "scriptrt/ScriptLog.h"
+#include "scriptrt/win32/UserInputDialogs.h"
+
+class CONXScriptProcessor;
+
+enum : uint32_t {
+    ONX_WM_SCRIPTOUTPUT = 0x8000,  // wParam: const char* text; sent
+    ONX_WM_SCRIPTENDED = 0x8001,   // wParam: the run's EONX_ERR_ERRCODE_; posted
+};
+
+class CScriptProcessorDialog : public CONXDialog {
+public:
+    explicit CScriptProcessorDialog(HWND parent);
+    ~CScriptProcessorDialog() override;
+
+    bool OnInitDialog() override;
+    bool OnMessage(uint32_t message, uintptr_t wParam, intptr_t lParam, intptr_t* result) override;
+    bool OnCommand(uint32_t id, uint32_t notifyCode, HWND control) override;
+    bool DestroyWindow() override;
+    void UpdateDialogState() override;
+
+private:
+    CONXScriptProcessor* Processor() const;
+    bool IsIdle() const;
+    void OnBrowse();
+    void OnNewScript();
+    void OnEditScript();
+    void OnExecute();
+    void OnScriptEnded(uint32_t result);
+    void AppendOutput(const char* text);
+    // Stops a run in progress and waits for its thread, serving the output it
+    // sends meanwhile; afterwards no worker exists and the idle event is set.
+    void EndRun();
+    void Error(const char* text);
+
+    static unsigned long __stdcall WorkerThread(void* dialog);
+    static void Output(void* dialog, const char* text);
+
+    std::string m_strScriptPath;
+    std::string m_strRunPath;        // the worker's copy for its run
+    HWND m_hRunWindow = nullptr;     // the window the worker reports to
+    void* m_hIdleEvent;              // HANDLE
+    void* m_hThread = nullptr;       // HANDLE
+    unsigned long m_nThreadId = 0;
+    std::atomic<bool> m_bClosing{false};
+    CONXScriptLog m_Log;
+    int m_nMinWidth = 0;
+    int m_nMinHeight = 250;
+    CWinOperatorPrompt m_Prompt;
+};
