@@ -239,8 +239,6 @@ void CONXScriptProcessor::ClearVariables() {
     m_externals.clear();
 }
 
-// The window of this object arrives with the Windows front end; until then
-// ShowDialogNonModal answers EONX_ERR_DIALOG.
-CONXDialog* CONXScriptProcessor::CreateNewDialog(HWND) { return nullptr; }
+// CreateNewDialog is the platform's: scriptrt/win32 and scriptrt/posix.
 
 void CONXScriptProcessor::DeleteDialog(CONXDialog* dialog) { delete dialog; }
