@@ -158,6 +158,27 @@ inline std::string BuiltinIoLiteral(const std::string& path) {
     return out;
 }
 
+// A device that gets a stop request at a given progress step of every transfer.
+class CStopAtStepDevice : public CSimDevice {
+public:
+    CStopAtStepDevice(CONXScriptRunContext* run, uint32_t stopStep) : m_run(run), m_stopStep(stopStep) {}
+    int transfers = 0;
+    int32_t TransmitFile(const char* localPath, uint8_t fileId, uint8_t fileType, uint32_t fileMode,
+                         TransferProgressCallback callback, void* context, uint32_t flag,
+                         uint32_t steps) override {
+        ++transfers;
+        for (uint32_t step = 0; step <= steps; ++step) {
+            if (step == m_stopStep) m_run->RequestStop();
+            if (callback(context, step)) return SIMDEV_ERR_ABORTED;
+        }
+        return 0;
+    }
+
+private:
+    CONXScriptRunContext* m_run;
+    uint32_t m_stopStep;
+};
+
 // The diagnostic line that follows a failed run's own output.
 inline bool BuiltinIoEndsWithError(const std::string& output, size_t ownLength, const char* errorText) {
     return output.size() > ownLength && output.compare(ownLength, strlen(errorText), errorText) == 0;

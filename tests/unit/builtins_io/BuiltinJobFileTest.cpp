@@ -115,6 +115,19 @@ TEST_F(BuiltinExecuteJobFile, ArgumentChecks) {
     EXPECT_EQ(m_device.CallCount("TransmitFile"), 0u);
 }
 
+TEST_F(BuiltinExecuteJobFile, StopRequestEndsTheJobEvenWithContinueAndIgnore) {
+    CONXScriptRunContext context;
+    CStopAtStepDevice device(&context, 0);
+    TBUILTINIORUN run = BuiltinIoRun("executejobfile(\"jobs.dcj\", 1, 1); print(\"not here\");", &device,
+                                     m_folder.Base(), nullptr, nullptr, &context);
+    EXPECT_EQ(run.code, SCRIPT_ERR_ABORTED);
+    std::string own = "\ra.bin " + std::string(40, '.') + BuiltinIoProgress("a.bin", false, 0) +
+                      "\n-> Transfer aborted during ExecuteJobFile (jobs.dcj)\n";
+    EXPECT_EQ(run.output.substr(0, own.size()), own);
+    EXPECT_TRUE(BuiltinIoEndsWithError(run.output, own.size(), "Processing aborted")) << run.output;
+    EXPECT_EQ(device.transfers, 1);
+}
+
 TEST_F(BuiltinExecuteJobFile, OutsideTheFileRootNothingIsRead) {
     CONXScriptRunContext context;
     context.m_limits.fileRoot = m_folder.Base() + "\\inner";

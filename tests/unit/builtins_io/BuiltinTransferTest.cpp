@@ -38,25 +38,6 @@ private:
     uint32_t m_stepMs;
 };
 
-// A device that gets a stop request at a given progress step of every transfer.
-class CStopAtStepDevice : public CSimDevice {
-public:
-    CStopAtStepDevice(CONXScriptRunContext* run, uint32_t stopStep) : m_run(run), m_stopStep(stopStep) {}
-    int32_t TransmitFile(const char* localPath, uint8_t fileId, uint8_t fileType, uint32_t fileMode,
-                         TransferProgressCallback callback, void* context, uint32_t flag,
-                         uint32_t steps) override {
-        for (uint32_t step = 0; step <= steps; ++step) {
-            if (step == m_stopStep) m_run->RequestStop();
-            if (callback(context, step)) return SIMDEV_ERR_ABORTED;
-        }
-        return 0;
-    }
-
-private:
-    CONXScriptRunContext* m_run;
-    uint32_t m_stopStep;
-};
-
 TEST(BuiltinTransmitFile, TransfersWithProgressAndResult) {
     CBuiltinIoFolder folder;
     folder.Write("image.rbf", "\x01\x02\x80");
