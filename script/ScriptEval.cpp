@@ -30,6 +30,17 @@ bool CallValueUsed(CONXScriptExecContext* context, const TSCRIPTTOKEN* name) {
     return !after || (OpClass(after) & SCRIPT_OPCLASS_BINARY) != 0;
 }
 
+// Whether a binary operator follows the call whose name is token; true when
+// that cannot be told from the prepared tokens.
+bool BinaryAfterCall(CONXScriptExecContext* context, const TSCRIPTTOKEN* name) {
+    int32_t i = context->IndexOf(name);
+    if (i < 0) return true;
+    int32_t close = context->TokenByIndex(i + 1)->match;
+    if (close < 0) return true;
+    const TSCRIPTTOKEN* after = context->TokenAt(context->TokenByIndex(close)->end);
+    return !after || after->error || (OpClass(after) & SCRIPT_OPCLASS_BINARY) != 0;
+}
+
 // Whether what follows the binary operator op, up to the end of its
 // expression, may call a function (a name followed by "("). Only a call can
 // change a variable while an expression is evaluated, so without one a left
@@ -180,6 +191,18 @@ uint32_t CONXScriptFunc::Eval(CONXScriptExecContext* context, CONXScriptVariable
             break;
         }
         if (object->KindTag() == SCRIPT_OBJ_FUNCTION) {
+            if (result && result->Type() == SCRIPT_TYPE_NONE && !BinaryAfterCall(context, t)) {
+                // The call is the whole expression and the result is fresh: the
+                // callee's value can go there at once, as the copy would take it.
+                if ((err = ScriptCallFunction(context, this, static_cast<CONXScriptFunc*>(object),
+                                              result)))
+                    return err;
+                TSCRIPTTOKEN* next = context->Next();
+                if (next->error) return next->error;
+                context->PutBack(next);
+                context->vars.PopTo(mark);
+                return 0;
+            }
             operand = context->vars.Push();
             CONXScriptVariable* callResult =
                 (result || CallValueUsed(context, t)) ? operand : nullptr;

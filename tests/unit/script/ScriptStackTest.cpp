@@ -36,8 +36,9 @@ std::string Repeat(const char* piece, int n) {
 void ExpectOutOfStack(const TSCRIPTTESTRUN& r, const char* phase) {
     EXPECT_EQ(r.code, SCRIPT_ERR_OUTOFMEMORY);
     EXPECT_EQ(r.output.rfind("out of memory error near line ", 0), 0u) << r.output;
-    if (phase)
+    if (phase) {
         EXPECT_NE(r.output.find(std::string("during ") + phase + "\n"), std::string::npos) << r.output;
+    }
 }
 
 TEST(ScriptStack, EndlessRecursionEndsTheRun) {
