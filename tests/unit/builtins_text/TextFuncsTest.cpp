@@ -97,8 +97,8 @@ TEST(BuiltinText, InstrBoundsAndType) {
     // Bytes after a NUL are searched too.
     EXPECT_EQ(Out("print(instr(\"a\\0b\", \"b\"), \",\", instr(\"a\\0b\", \"\\0\"));"), "2,1");
     // The result is an int32 whatever it holds.
-    EXPECT_EQ(Out("print(numtohexstr(instr(\"abc\", \"x\")), \",\", numtostr(instr(\"abc\", \"c\")));"),
-              "FFFFFFFF,2");
+    EXPECT_EQ(Out("print(numtohexstr(instr(\"abc\", \"x\")), \",\", numtostr(instr(\"abc\", \"x\")));"),
+              "FFFFFFFF,-1");
     EXPECT_EQ(Code("instr(\"a\");"), SCRIPT_ERR_PARAMCOUNT);
     EXPECT_EQ(Code("instr(\"a\", \"b\", 1, 2);"), SCRIPT_ERR_PARAMCOUNT);
     EXPECT_EQ(Code("instr(\"a\", 1);"), SCRIPT_ERR_TYPE);
