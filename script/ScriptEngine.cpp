@@ -147,18 +147,17 @@ uint32_t CONXScriptFunc::ExecStatement(CONXScriptExecContext* context, uint64_t 
             if ((err = block->EnterBody(context, block->m_statements))) return err;
         }
     }
-    context->PutBack(t);
-    return ExecSimple(context);
+    return ExecSimple(context, t);  // its first token is read already
 }
 
 uint32_t CONXScriptFunc::ExecuteSimpleStatement(CONXScriptExecContext* context) {
     if (m_pDelegate) return m_pDelegate->ExecuteSimpleStatement(context);
-    return ExecSimple(context);
-}
-
-uint32_t CONXScriptFunc::ExecSimple(CONXScriptExecContext* context) {
     TSCRIPTTOKEN* t = context->Next();
     if (t->error) return t->error;
+    return ExecSimple(context, t);
+}
+
+uint32_t CONXScriptFunc::ExecSimple(CONXScriptExecContext* context, TSCRIPTTOKEN* t) {
     if (t->kind != SCRIPT_TOK_IDENT) return SCRIPT_ERR_UNEXPECTEDTOKEN;
     if (t->selfScope != this) {
         t->isSelf = ScriptNamesEqual(t->text.c_str(), m_name.c_str());

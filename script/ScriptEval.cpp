@@ -84,15 +84,12 @@ bool RestMayCall(CONXScriptExecContext* context, TSCRIPTTOKEN* op) {
 
 }  // namespace
 
-uint32_t ScriptLiteral(CONXScriptExecContext* context, TSCRIPTTOKEN* t, CONXScriptVariable** value) {
-    if (!t->literalDone) {
-        std::unique_ptr<CONXScriptVariable> v(new CONXScriptVariable);
-        t->literalError = v->SetFromLiteral(t->text, t->kind);
-        context->literals.push_back(std::move(v));
-        t->literalValue = context->literals.back().get();
-        t->literalDone = true;
-    }
-    *value = t->literalValue;
+uint32_t ScriptConvertLiteral(CONXScriptExecContext* context, TSCRIPTTOKEN* t) {
+    std::unique_ptr<CONXScriptVariable> v(new CONXScriptVariable);
+    t->literalError = v->SetFromLiteral(t->text, t->kind);
+    context->literals.push_back(std::move(v));
+    t->literalValue = context->literals.back().get();
+    t->literalDone = true;
     return t->literalError;
 }
 

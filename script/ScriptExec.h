@@ -108,7 +108,13 @@ inline CONXScriptObject* ScriptResolveName(CONXScriptFunc* scope, TSCRIPTTOKEN* 
 }
 
 // The value of a literal token, converted once per run.
-uint32_t ScriptLiteral(CONXScriptExecContext* context, TSCRIPTTOKEN* token, CONXScriptVariable** value);
+uint32_t ScriptConvertLiteral(CONXScriptExecContext* context, TSCRIPTTOKEN* token);
+inline uint32_t ScriptLiteral(CONXScriptExecContext* context, TSCRIPTTOKEN* token,
+                              CONXScriptVariable** value) {
+    uint32_t err = token->literalDone ? token->literalError : ScriptConvertLiteral(context, token);
+    *value = token->literalValue;
+    return err;
+}
 
 // Computes an expression of numbers only into result, the cursor standing at
 // its first token; false (and nothing changed) when the expression is not one.

@@ -78,7 +78,7 @@ public:
     // The engine's own paths, without the virtual forwarding.
     uint32_t EnterBody(CONXScriptExecContext* context, const TSCRIPTSTMTLIST& statements);
     uint32_t ExecStatement(CONXScriptExecContext* context, uint64_t offset);
-    uint32_t ExecSimple(CONXScriptExecContext* context);
+    uint32_t ExecSimple(CONXScriptExecContext* context, TSCRIPTTOKEN* first);
     uint32_t Eval(CONXScriptExecContext* context, CONXScriptVariable* result);
     // Evaluates into a value to read at once: a lone variable or literal is
     // given in place, anything else in a pushed temporary.
