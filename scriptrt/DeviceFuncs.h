@@ -24,6 +24,8 @@ private:
 };
 
 // receivestring(): everything the device has to give, until it has nothing more.
+// A device that keeps sending is cut off by a stop request (13) or by the
+// run's string limit (1).
 class CONXReceiveString : public CONXScriptSysFunc {
 public:
     explicit CONXReceiveString(const TSCRIPTSYSFUNCENV& env);

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "BuiltinIoTestRun.h"
@@ -105,6 +106,35 @@ TEST(BuiltinReceiveString, BeyondTheStringLimitIsOutOfMemory) {
               SCRIPT_ERR_OUTOFMEMORY);
     // It stops reading soon after the limit instead of draining the device.
     EXPECT_GT(device.PendingReceive(), 100000u);
+}
+
+// A device that never runs dry, a little at a time.
+class CChattyDevice : public CSimDevice {
+public:
+    int32_t Receive(char* buffer, uint32_t bufferSize, uint64_t* received) override {
+        OsSleep(1);
+        uint32_t n = bufferSize < 10 ? bufferSize : 10;
+        for (uint32_t i = 0; i < n; ++i) buffer[i] = 'x';
+        *received = n;
+        return 0;
+    }
+};
+
+TEST(BuiltinReceiveString, StopRequestEndsADeviceThatNeverStops) {
+    CChattyDevice device;
+    CONXScriptRunContext context;
+    std::thread stopper([&] {
+        OsSleep(100);
+        context.RequestStop();
+    });
+    uint64_t start = OsTickCount();
+    TBUILTINIORUN run = BuiltinIoRun("var string s; s = receivestring();", &device, "", nullptr, nullptr, &context);
+    uint64_t elapsed = OsTickCount() - start;
+    stopper.join();
+    printf("[ measured ] endless device, stop request after 100 ms: receivestring ended after %llu ms\n",
+           (unsigned long long)elapsed);
+    EXPECT_EQ(run.code, SCRIPT_ERR_ABORTED);
+    EXPECT_LT(elapsed, 2000u);
 }
 
 }  // namespace
