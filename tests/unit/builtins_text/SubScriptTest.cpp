@@ -116,6 +116,8 @@ TEST_F(BuiltinSubScript, StopRequestReachesTheSubScript) {
     Write("wait.dcs", "delay(4294967295);");
     for (const char* name : {"loop.dcs", "wait.dcs"}) {
         CONXScriptRunContext context;
+        context.m_limits.maxDelayMs = 20000;
+        context.m_limits.maxSteps = 2000000000;  // either way the test ends, passed or failed
         uint64_t stoppedAt = 0;
         std::thread stopper([&] {
             OsSleep(100);
