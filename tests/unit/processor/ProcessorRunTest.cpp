@@ -15,7 +15,7 @@
 namespace {
 
 struct TLOCKSEEN {
-    CSimDevice* device;
+    CSimDevice* device = nullptr;
     std::string output;
     uint32_t lockCount = 0;
     void* lockOwner = nullptr;
@@ -77,6 +77,12 @@ TEST_F(ProcessorRun, FileArgumentsAndChannelChecks) {
     EXPECT_EQ(device.CallCount("Unlock"), 1u);
     EXPECT_EQ(device.LockOwner(), nullptr);
 
+    // A full name beyond 260 characters cannot be resolved.
+    std::string tooLong = (scratch.Dir() / (std::string(270, 'a') + ".dcs")).string();
+    EXPECT_EQ(processor.ExecuteScriptFile(tooLong.c_str(), ProcessorCollect, &output),
+              EONX_ERR_FILEOPEN);
+    EXPECT_EQ(device.LockCount(), 0u);
+
     CONXScriptProcessor unconnected;
     std::string path = scratch.Write("a.dcs", "print(1);");
     EXPECT_EQ(unconnected.ExecuteScriptFile(path.c_str(), ProcessorCollect, &output),
@@ -111,7 +117,8 @@ TEST_F(ProcessorRun, TextRunTakesTheGivenBaseDirectoryOrTheCurrentOne) {
 }
 
 TEST_F(ProcessorRun, ChannelIsHeldOnceForTextAndNestedForFiles) {
-    TLOCKSEEN seen = {&device};
+    TLOCKSEEN seen;
+    seen.device = &device;
     EXPECT_EQ(processor.ExecuteScript("print(\"t\");", nullptr, NoteLock, &seen), EONX_ERR_NONE);
     EXPECT_EQ(seen.lockCount, 1u);
     EXPECT_EQ(seen.lockOwner, static_cast<void*>(&processor));
