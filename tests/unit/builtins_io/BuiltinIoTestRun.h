@@ -12,27 +12,11 @@
 #include "host/sim/SimDevice.h"
 #include "os/Platform.h"
 #include "script/ScriptRun.h"
-#include "script/ScriptTestPrint.h"
 #include "script/ScriptValue.h"
 #include "scriptrt/DeviceFuncs.h"
 #include "scriptrt/OperatorPrompt.h"
+#include "scriptrt/SysFuncTable.h"
 #include "scriptrt/UserInputFuncs.h"
-
-inline void BuiltinIoFactory(const TSCRIPTSYSFUNCENV& env, std::vector<CONXScriptSysFunc*>* list) {
-    list->push_back(new CONXTransmitString(env));
-    list->push_back(new CONXReceiveString(env));
-    list->push_back(new CONXTransmitFile(env));
-    list->push_back(new CONXTransmitFileFromString(env));
-    list->push_back(new CONXExecuteJobFile(env));
-    list->push_back(new CONXMessageBoxDialog(env));
-    list->push_back(new CONXUserInputNumDialog(env, "userinputdword", SCRIPT_TYPE_UINT32));
-    list->push_back(new CONXUserInputNumDialog(env, "userinputuint32", SCRIPT_TYPE_UINT32));
-    list->push_back(new CONXUserInputNumDialog(env, "userinputint32", SCRIPT_TYPE_INT32));
-    list->push_back(new CONXUserInputNumDialog(env, "userinputuint64", SCRIPT_TYPE_UINT64));
-    list->push_back(new CONXUserInputNumDialog(env, "userinputint64", SCRIPT_TYPE_INT64));
-    list->push_back(new CONXUserInputStringDialog(env));
-    list->push_back(new CONXUserListInputDialog(env));
-}
 
 inline void BuiltinIoCollect(void* context, const char* text) {
     static_cast<std::string*>(context)->append(text);
@@ -79,7 +63,7 @@ inline TBUILTINIORUN BuiltinIoRun(const std::string& text, COndDeviceComm_0* dev
                                   CONXScriptRunContext* context = nullptr) {
     CONXScriptRunContext own;
     if (!context) context = &own;
-    context->m_sysFuncFactories = {ScriptTestPrintFactory, BuiltinIoFactory};
+    context->m_sysFuncFactories = {ScriptRuntimeFactory};
     context->m_pOperator = prompt;
     TBUILTINIORUN run;
     run.code = RunScript(context, device, text.c_str(), base.c_str(), externals, nullptr, nullptr,

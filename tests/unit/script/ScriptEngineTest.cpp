@@ -101,7 +101,7 @@ TEST(ScriptEngine, FunctionNameInsideABlockIsACall) {
 
 TEST(ScriptEngine, StopRequestEndsALoop) {
     CONXScriptRunContext context;
-    context.m_sysFuncFactories.push_back(ScriptTestPrintFactory);
+    context.m_sysFuncFactories.push_back(ScriptRuntimeFactory);
     std::thread stopper([&context] {
         OsSleep(50);
         context.RequestStop();
@@ -126,7 +126,7 @@ TEST(ScriptEngine, StepBudgetEndsEndlessLoops) {
 
 TEST(ScriptEngine, ExternalVariablesAndFunctionRuns) {
     CONXScriptRunContext context;
-    context.m_sysFuncFactories.push_back(ScriptTestPrintFactory);
+    context.m_sysFuncFactories.push_back(ScriptRuntimeFactory);
     CONXScriptVariable counter;
     counter.SetName("Counter");
     ASSERT_EQ(counter.SetNumber(41, SCRIPT_TYPE_INT32), 0u);
@@ -190,7 +190,7 @@ TEST(ScriptErrors, OnlyFailuresAreReportedAndOnlyWithASink) {
             return SCRIPT_ERR_EXIT;
         }
     };
-    context.m_sysFuncFactories.push_back(ScriptTestPrintFactory);
+    context.m_sysFuncFactories.push_back(ScriptRuntimeFactory);
     context.m_sysFuncFactories.push_back([](const TSCRIPTSYSFUNCENV&, std::vector<CONXScriptSysFunc*>* list) {
         list->push_back(new TExit);
     });
@@ -199,7 +199,7 @@ TEST(ScriptErrors, OnlyFailuresAreReportedAndOnlyWithASink) {
     EXPECT_EQ(r.output, "1");
 }
 
-TEST(ScriptTestPrint, FormatsByType) {
+TEST(ScriptPrint, FormatsByType) {
     EXPECT_EQ(Out("var uint32 d; var int32 i; var uint64 u; var int64 s; d = 0xFFFFFFFF:U; i = -5; "
                   "u = 0xFFFFFFFFFFFFFFFF:U; s = 0x8000000000000000; print(d, i, u, s, \"a\\0b\");"),
               "4294967295-518446744073709551615-9223372036854775808a\\0b");

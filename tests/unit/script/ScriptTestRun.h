@@ -1,10 +1,11 @@
-// Running scripts from the unit tests: the engine's test print, output collected.
+// Running scripts from the unit tests: every built-in, output collected.
 #pragma once
 
 #include <string>
 
 #include "script/ScriptRun.h"
-#include "script/ScriptTestPrint.h"
+#include "script/ScriptSysFunc.h"
+#include "scriptrt/SysFuncTable.h"
 
 struct TSCRIPTTESTRUN {
     uint32_t code = 0;
@@ -18,7 +19,7 @@ inline void ScriptTestCollect(void* context, const char* text) {
 inline TSCRIPTTESTRUN ScriptTestRun(const std::string& text, CONXScriptRunContext* context = nullptr) {
     CONXScriptRunContext own;
     if (!context) context = &own;
-    if (context->m_sysFuncFactories.empty()) context->m_sysFuncFactories.push_back(ScriptTestPrintFactory);
+    if (context->m_sysFuncFactories.empty()) context->m_sysFuncFactories.push_back(ScriptRuntimeFactory);
     TSCRIPTTESTRUN run;
     run.code = RunScript(context, nullptr, text.c_str(), "Z:\\tmp", nullptr, nullptr, nullptr,
                          ScriptTestCollect, &run.output, nullptr);
