@@ -9,15 +9,9 @@
 #include "os/Platform.h"
 #include "script/ScriptRun.h"
 #include "script/ScriptValue.h"
-#include "scriptrt/DeviceFuncs.h"
 #include "scriptrt/SysFuncTable.h"
 
 namespace {
-
-// receivestring as the table will register it (harmless if it already does).
-void ReceiveFactory(const TSCRIPTSYSFUNCENV& env, std::vector<CONXScriptSysFunc*>* functions) {
-    functions->push_back(new CONXReceiveString(env));
-}
 
 void Print(void*, const char* text) { fputs(text, stdout); }
 
@@ -34,7 +28,7 @@ int main() {
         CSimDevice device;
         device.PreloadReceive(payload);
         CONXScriptRunContext context;
-        context.m_sysFuncFactories = {ScriptRuntimeFactory, ReceiveFactory};
+        context.m_sysFuncFactories = {ScriptRuntimeFactory};
         CONXScriptVariable n;
         n.SetName("n");
         n.SetType(SCRIPT_TYPE_UINT32);
