@@ -82,6 +82,10 @@ public:
     std::vector<CONXScriptObject*> arguments;  // argument lists being collected
     std::vector<TSAVED> m_saved;
     std::vector<std::unique_ptr<CONXScriptVariable>> literals;  // converted literals, read-only
+    struct TFREEPROGRAM {
+        void operator()(TSCRIPTFASTPROGRAM* p) const;
+    };
+    std::vector<std::unique_ptr<TSCRIPTFASTPROGRAM, TFREEPROGRAM>> fastPrograms;
 };
 
 // Nothing is unwound on an error: the first error ends the run, and the run's

@@ -1,25 +1,19 @@
 // A shortcut for expressions of numbers only: literals, numeric variables,
 // parentheses, conversions to numeric types and operators, without calls.
-// Such an expression has no side effects, so it is computed straight from
-// the tokens with plain values instead of temporary variables; at anything
-// else (a call, a string, a failing operation, low stack) it gives up and
-// the ordinary evaluation runs from the same place, which then produces the
-// same result or error it always did.
+// Such an expression has no side effects. The first time it runs it is
+// translated into a short postfix program (names resolved to their
+// declarations, literals converted); later runs compute that with plain
+// values instead of temporary variables. At anything else (a call, a string,
+// a failing operation) it gives up and the ordinary evaluation runs from the
+// same place, which then produces the same result or error it always did.
+#include <memory>
+#include <vector>
+
 #include "script/ScriptErrors.h"
 #include "script/ScriptExec.h"
 #include "script/ScriptOperators.h"
 
 namespace {
-
-struct TNUM {
-    uint64_t type;
-    uint64_t value;  // as GetNumber would give it
-};
-// Field by field: a whole-record copy right after two narrow stores stalls.
-inline void Set(TNUM* n, uint64_t type, uint64_t value) {
-    n->type = type;
-    n->value = value;
-}
 
 inline uint64_t Normalise(uint32_t type, uint64_t v) {
     switch (type) {
@@ -30,135 +24,227 @@ inline uint64_t Normalise(uint32_t type, uint64_t v) {
 }
 
 enum EFASTRESULT { FAST_OK, FAST_RETRY, FAST_NEVER };
+enum : uint8_t { OP_CONST, OP_VAR, OP_CONVERT, OP_UNARY, OP_BINARY };
 
-struct TFAST {
+struct TFASTOP {
+    uint8_t code;
+    int8_t row;
+    bool top;                    // the expression's outermost operator: takes the result's type
+    uint32_t type;               // OP_CONST, OP_CONVERT
+    uint64_t value;              // OP_CONST
+    CONXScriptObject* object;    // OP_VAR: a declaration or a variable
+};
+
+const size_t kMaxDepth = 32;  // values waiting at one time; deeper ones take the long way
+
+}  // namespace
+
+struct TSCRIPTFASTPROGRAM {
+    const void* scope;
+    std::vector<TFASTOP> ops;
+    TSCRIPTTOKEN* end;    // the token after the expression
+    bool topIsOperator;   // the outermost step is an operator, which takes the result's type
+};
+
+namespace {
+
+struct TCOMPILE {
     CONXScriptExecContext* context;
     CONXScriptFunc* scope;
     TSCRIPTTOKEN* p;  // next token to read
+    TSCRIPTFASTPROGRAM* program;
+    size_t depth;
+    size_t maxDepth;
 };
 
-EFASTRESULT Fast(TFAST* f, uint32_t resultType, TNUM* out) {
-    if (f->context->StackLow()) return FAST_RETRY;
-    TSCRIPTTOKEN* t = f->p++;
+inline void Emit(TCOMPILE* c, uint8_t code, int8_t row, uint32_t type, uint64_t value,
+                 CONXScriptObject* object, bool top = false) {
+    c->program->ops.push_back({code, row, top, type, value, object});
+}
+inline void Pushed(TCOMPILE* c) {
+    if (++c->depth > c->maxDepth) c->maxDepth = c->depth;
+}
+
+// Mirrors the ordinary evaluation's reading of the tokens.
+EFASTRESULT Compile(TCOMPILE* c, bool top) {
+    if (c->context->StackLow()) return FAST_RETRY;
+    TSCRIPTTOKEN* t = c->p++;
     if (t->error) return FAST_NEVER;
     EFASTRESULT r;
     if (t->kind == SCRIPT_TOK_OP) {
         int32_t row = ScriptUnaryRow(t->op);
         if (row < 0) return FAST_NEVER;
-        TNUM rest;
-        if ((r = Fast(f, 0, &rest)) != FAST_OK) return r;
-        uint32_t type = resultType ? resultType : (uint32_t)rest.type;
-        int index = (ScriptTypeIsSigned(rest.type) ? 1 : 0) | (ScriptTypeIsSigned(type) ? 2 : 0);
-        uint64_t v;
-        (void)g_ScriptUnaryRoutines[row][index](rest.value, 0, &v);
-        Set(out, type, Normalise(type, v));
+        if ((r = Compile(c, false)) != FAST_OK) return r;
+        Emit(c, OP_UNARY, (int8_t)row, 0, 0, nullptr, top);
+        if (top) c->program->topIsOperator = true;
         return FAST_OK;
     }
-    TNUM operand;
     switch (t->kind) {
     case SCRIPT_TOK_PUNCT:
         if (t->punct != '(') return FAST_NEVER;
-        if ((r = Fast(f, 0, &operand)) != FAST_OK) return r;
-        t = f->p++;
+        if ((r = Compile(c, false)) != FAST_OK) return r;
+        t = c->p++;
         if (t->error || t->kind != SCRIPT_TOK_PUNCT || t->punct != ')') return FAST_NEVER;
         break;
     case SCRIPT_TOK_DEC:
     case SCRIPT_TOK_HEX:
     case SCRIPT_TOK_BIN: {
         CONXScriptVariable* v;
-        if (ScriptLiteral(f->context, t, &v)) return FAST_NEVER;
-        Set(&operand, v->Type(), v->Number());
+        if (ScriptLiteral(c->context, t, &v)) return FAST_NEVER;
+        Emit(c, OP_CONST, 0, v->Type(), v->Number(), nullptr);
+        Pushed(c);
         break;
     }
     case SCRIPT_TOK_IDENT: {
-        CONXScriptObject* o = ScriptResolveName(f->scope, t);
+        CONXScriptObject* o = ScriptResolveName(c->scope, t);
         if (o && o->KindTag() == SCRIPT_OBJ_VARIABLE) {
-            CONXScriptVariable* v = static_cast<CONXScriptVariable*>(o)->Resolved();
-            if (!ScriptTypeIsNumeric(v->Type())) return FAST_NEVER;
-            Set(&operand, v->Type(), v->Number());
+            if (!ScriptTypeIsNumeric(static_cast<CONXScriptVariable*>(o)->Resolved()->Type()))
+                return FAST_NEVER;
+            // The declaration when there is one: its variable changes with every body entry.
+            CONXScriptObject* found = t->cacheScope == c->scope ? t->cacheObject : nullptr;
+            Emit(c, OP_VAR, 0, 0, 0, found ? found : o);
+            Pushed(c);
             break;
         }
         if (o || !ScriptTypeIsNumeric(t->typeCode)) return FAST_NEVER;
         // A conversion to a numeric type.
-        TSCRIPTTOKEN* open = f->p++;
+        TSCRIPTTOKEN* open = c->p++;
         if (open->error || open->kind != SCRIPT_TOK_PUNCT || open->punct != '(') return FAST_NEVER;
-        TNUM inner;
-        if ((r = Fast(f, 0, &inner)) != FAST_OK) return r;
-        TSCRIPTTOKEN* close = f->p++;
+        if ((r = Compile(c, false)) != FAST_OK) return r;
+        TSCRIPTTOKEN* close = c->p++;
         if (close->error || close->kind != SCRIPT_TOK_PUNCT || close->punct != ')') return FAST_NEVER;
-        Set(&operand, t->typeCode, Normalise(t->typeCode, inner.value));
+        Emit(c, OP_CONVERT, 0, t->typeCode, 0, nullptr);
         break;
     }
     default:
         return FAST_NEVER;
     }
-    TSCRIPTTOKEN* next = f->p;
+    TSCRIPTTOKEN* next = c->p;
     if (next->error) return FAST_NEVER;
     if (next->kind == SCRIPT_TOK_OP && (g_ScriptOperators[next->op].opClass & SCRIPT_OPCLASS_BINARY)) {
-        f->p++;
-        int32_t row = ScriptBinaryRow(next->op);
-        TNUM rest;
-        if ((r = Fast(f, 0, &rest)) != FAST_OK) return r;
-        uint32_t type = resultType;
-        if (!type) {
-            if (row == SCRIPT_ROW_SHL || row == SCRIPT_ROW_SHR) {
-                type = (uint32_t)operand.type;
-            } else {
-                bool wide = ScriptTypeIs64(operand.type) || ScriptTypeIs64(rest.type);
-                bool isSigned = ScriptTypeIsSigned(operand.type) || ScriptTypeIsSigned(rest.type);
-                type = wide ? (isSigned ? SCRIPT_TYPE_INT64 : SCRIPT_TYPE_UINT64)
-                            : (isSigned ? SCRIPT_TYPE_INT32 : SCRIPT_TYPE_UINT32);
-            }
-        }
-        int index = (ScriptTypeIsSigned(operand.type) ? 1 : 0) | (ScriptTypeIsSigned(rest.type) ? 2 : 0) |
-                    (ScriptTypeIsSigned(type) ? 4 : 0);
-        uint64_t v;
-        if (g_ScriptBinaryRoutines[row][index](operand.value, rest.value, &v)) return FAST_RETRY;
-        Set(out, type, Normalise(type, v));
-        return FAST_OK;
+        c->p++;
+        if ((r = Compile(c, false)) != FAST_OK) return r;
+        Emit(c, OP_BINARY, (int8_t)ScriptBinaryRow(next->op), 0, 0, nullptr, top);
+        c->depth--;
+        if (top) c->program->topIsOperator = true;
     }
-    if (resultType) Set(out, resultType, Normalise(resultType, operand.value));
-    else Set(out, operand.type, operand.value);
     return FAST_OK;
 }
 
-}  // namespace
-
-namespace {
+// Runs a program; false when the ordinary evaluation has to do it.
+bool Execute(const TSCRIPTFASTPROGRAM* program, uint32_t resultType, uint32_t* type, uint64_t* value) {
+    uint64_t types[kMaxDepth];
+    uint64_t values[kMaxDepth];
+    size_t sp = 0;
+    const TFASTOP* op = program->ops.data();
+    const TFASTOP* last = op + program->ops.size() - 1;
+    for (; op <= last; op++) {
+        switch (op->code) {
+        case OP_CONST:
+            types[sp] = op->type;
+            values[sp++] = op->value;
+            break;
+        case OP_VAR: {
+            CONXScriptObject* o = op->object;
+            if (o->KindTag() == SCRIPT_OBJ_TEMPLATE) o = static_cast<CONXScriptVarTemplate*>(o)->m_pCurrent;
+            if (!o) return false;
+            CONXScriptVariable* v = static_cast<CONXScriptVariable*>(o)->Resolved();
+            if (!ScriptTypeIsNumeric(v->Type())) return false;
+            types[sp] = v->Type();
+            values[sp++] = v->Number();
+            break;
+        }
+        case OP_CONVERT:
+            types[sp - 1] = op->type;
+            values[sp - 1] = Normalise(op->type, values[sp - 1]);
+            break;
+        case OP_UNARY: {
+            uint32_t restType = (uint32_t)types[sp - 1];
+            uint32_t t = (op->top && resultType) ? resultType : restType;
+            int index = (ScriptTypeIsSigned(restType) ? 1 : 0) | (ScriptTypeIsSigned(t) ? 2 : 0);
+            uint64_t v;
+            (void)g_ScriptUnaryRoutines[op->row][index](values[sp - 1], 0, &v);
+            types[sp - 1] = t;
+            values[sp - 1] = Normalise(t, v);
+            break;
+        }
+        default: {  // OP_BINARY
+            sp--;
+            uint32_t lt = (uint32_t)types[sp - 1], rt = (uint32_t)types[sp];
+            uint32_t t = op->top ? resultType : 0;
+            if (!t) {
+                if (op->row == SCRIPT_ROW_SHL || op->row == SCRIPT_ROW_SHR) {
+                    t = lt;
+                } else {
+                    bool wide = ScriptTypeIs64(lt) || ScriptTypeIs64(rt);
+                    bool isSigned = ScriptTypeIsSigned(lt) || ScriptTypeIsSigned(rt);
+                    t = wide ? (isSigned ? SCRIPT_TYPE_INT64 : SCRIPT_TYPE_UINT64)
+                             : (isSigned ? SCRIPT_TYPE_INT32 : SCRIPT_TYPE_UINT32);
+                }
+            }
+            int index = (ScriptTypeIsSigned(lt) ? 1 : 0) | (ScriptTypeIsSigned(rt) ? 2 : 0) |
+                        (ScriptTypeIsSigned(t) ? 4 : 0);
+            uint64_t v;
+            if (g_ScriptBinaryRoutines[op->row][index](values[sp - 1], values[sp], &v)) return false;
+            types[sp - 1] = t;
+            values[sp - 1] = Normalise(t, v);
+            break;
+        }
+        }
+    }
+    *type = (uint32_t)types[0];
+    *value = values[0];
+    if (!program->topIsOperator && resultType) {
+        *type = resultType;
+        *value = Normalise(resultType, *value);
+    }
+    return true;
+}
 
 bool Run(CONXScriptExecContext* context, CONXScriptFunc* scope, TSCRIPTTOKEN* first,
-         uint32_t resultType, TNUM* value) {
-    if (first->noFast || resultType == SCRIPT_TYPE_STRING || context->IndexOf(first) < 0) return false;
-    TFAST f = {context, scope, first};
-    EFASTRESULT r = Fast(&f, resultType, value);
-    if (r != FAST_OK) {
-        if (r == FAST_NEVER) first->noFast = true;
-        return false;
+         uint32_t resultType, uint32_t* type, uint64_t* value) {
+    if (first->noFast || resultType == SCRIPT_TYPE_STRING) return false;
+    TSCRIPTFASTPROGRAM* program = first->fastProgram;
+    if (!program || program->scope != scope) {
+        if (context->IndexOf(first) < 0) return false;
+        std::unique_ptr<TSCRIPTFASTPROGRAM> made(new TSCRIPTFASTPROGRAM);
+        made->scope = scope;
+        made->topIsOperator = false;
+        TCOMPILE c = {context, scope, first, made.get(), 0, 0};
+        EFASTRESULT r = Compile(&c, true);
+        if (r == FAST_NEVER || (r == FAST_OK && c.maxDepth > kMaxDepth)) first->noFast = true;
+        if (r != FAST_OK || first->noFast) return false;
+        made->end = c.p;
+        program = made.get();
+        context->fastPrograms.emplace_back(made.release());
+        first->fastProgram = program;
     }
+    if (!Execute(program, resultType, type, value)) return false;
     // Where the ordinary evaluation leaves the cursor: the token after the
     // expression looked at and put back.
-    context->tokenStart = f.p->start;
-    context->PutBack(f.p);
+    context->tokenStart = program->end->start;
+    context->PutBack(program->end);
     return true;
 }
 
 }  // namespace
 
+void CONXScriptExecContext::TFREEPROGRAM::operator()(TSCRIPTFASTPROGRAM* program) const {
+    delete program;
+}
+
 bool ScriptFastEvaluate(CONXScriptExecContext* context, CONXScriptFunc* scope, TSCRIPTTOKEN* first,
                         CONXScriptVariable* result) {
     uint32_t resultType = result->Type();
-    TNUM value;
-    if (!Run(context, scope, first, resultType, &value)) return false;
-    if (resultType == SCRIPT_TYPE_NONE) result->SetTypedNumber((uint32_t)value.type, value.value);
-    else (void)result->StoreNumber(value.value, 0);
+    uint32_t type;
+    uint64_t value;
+    if (!Run(context, scope, first, resultType, &type, &value)) return false;
+    if (resultType == SCRIPT_TYPE_NONE) result->SetTypedNumber(type, value);
+    else (void)result->StoreNumber(value, 0);
     return true;
 }
 
 bool ScriptFastValue(CONXScriptExecContext* context, CONXScriptFunc* scope, TSCRIPTTOKEN* first,
                      uint32_t* type, uint64_t* value) {
-    TNUM v;
-    if (!Run(context, scope, first, SCRIPT_TYPE_NONE, &v)) return false;
-    *type = (uint32_t)v.type;
-    *value = v.value;
-    return true;
+    return Run(context, scope, first, SCRIPT_TYPE_NONE, type, value);
 }

@@ -14,6 +14,7 @@
 
 class CONXScriptObject;
 class CONXScriptVariable;
+struct TSCRIPTFASTPROGRAM;
 
 // Token kinds.
 enum : uint32_t {
@@ -92,6 +93,7 @@ struct alignas(64) TSCRIPTTOKEN {
     // Converted literal, filled on first use.
     CONXScriptVariable* literalValue = nullptr;
     const void* selfScope = nullptr;
+    TSCRIPTFASTPROGRAM* fastProgram = nullptr;  // numbers-only expression starting here
     uint32_t literalError = 0;
     std::string text;
 };
