@@ -120,6 +120,9 @@ inline uint32_t ScriptLiteral(CONXScriptExecContext* context, TSCRIPTTOKEN* toke
     return err;
 }
 
+// Whether the numbers-only shortcut is used (the fuzzer compares runs without it).
+extern bool g_ScriptFastPath;
+
 // Computes an expression of numbers only into result, the cursor standing at
 // its first token; false (and nothing changed) when the expression is not one.
 bool ScriptFastEvaluate(CONXScriptExecContext* context, CONXScriptFunc* scope, TSCRIPTTOKEN* first,

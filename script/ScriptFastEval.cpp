@@ -203,7 +203,7 @@ bool Execute(const TSCRIPTFASTPROGRAM* program, uint32_t resultType, uint32_t* t
 
 bool Run(CONXScriptExecContext* context, CONXScriptFunc* scope, TSCRIPTTOKEN* first,
          uint32_t resultType, uint32_t* type, uint64_t* value) {
-    if (first->noFast || resultType == SCRIPT_TYPE_STRING) return false;
+    if (!g_ScriptFastPath || first->noFast || resultType == SCRIPT_TYPE_STRING) return false;
     TSCRIPTFASTPROGRAM* program = first->fastProgram;
     if (!program || program->scope != scope) {
         if (context->IndexOf(first) < 0) return false;
@@ -228,6 +228,8 @@ bool Run(CONXScriptExecContext* context, CONXScriptFunc* scope, TSCRIPTTOKEN* fi
 }
 
 }  // namespace
+
+bool g_ScriptFastPath = true;
 
 void CONXScriptExecContext::TFREEPROGRAM::operator()(TSCRIPTFASTPROGRAM* program) const {
     delete program;
