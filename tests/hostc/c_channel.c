@@ -21,7 +21,7 @@ static void Record(CChannel* c, int slot, int n, const uint64_t* args) {
     CChannelCall* call = &c->calls[c->callCount++];
     call->slot = slot;
     memset(call->args, 0, sizeof call->args);
-    memcpy(call->args, args, (size_t)n * sizeof *args);
+    if (n > 0) memcpy(call->args, args, (size_t)n * sizeof *args);
 }
 
 /* Each reserved slot records its own index, so a shifted table shows. */

@@ -62,8 +62,11 @@ public:
     std::vector<const char*>* m_log;
 };
 
+// The log lives outside the client: the base destructor deletes the dialog,
+// which still writes to it after the derived part is gone.
 class CProbeClient : public CONXDeviceClient {
 public:
+    explicit CProbeClient(std::vector<const char*>* log) : log(*log) {}
     uint32_t GetObjType() override { return 0x1000; }
     CONXDialog* CreateNewDialog(HWND) override {
         log.push_back("new");
@@ -75,14 +78,15 @@ public:
     }
     uint32_t Signal(uint32_t event) { return SignalDlgEvent(event); }
     COndDeviceComm_0* Channel() { return m_pDeviceComm; }
-    std::vector<const char*> log;
+    std::vector<const char*>& log;
 };
 
 }  // namespace
 
 TEST(FrameDeviceClient, FailedCreationKeepsTheDialogUntilTheNextShow) {
     CSimDevice channel;
-    CProbeClient client;
+    std::vector<const char*> log;
+    CProbeClient client(&log);
     client.Connect(&channel);
     EXPECT_EQ(client.ShowDialogNonModal(nullptr), EONX_ERR_DIALOG);
     EXPECT_EQ(client.log, (std::vector<const char*>{"new", "owner", "channel", "create"}));
@@ -117,7 +121,8 @@ uint32_t RecordEvent(CONXDeviceClient_0* client, void* userData, uint32_t event)
 }  // namespace
 
 TEST(FrameDeviceClient, EventRoutesDecideWhetherTheDialogHides) {
-    CProbeClient client;
+    std::vector<const char*> dialogLog;
+    CProbeClient client(&dialogLog);
     EXPECT_EQ(client.Signal(ONX_DLGEVENT_OK), 1u);  // no route: hide
 
     _TONX_DLGEVENTDATA data = {};
