@@ -4,9 +4,11 @@
 // hears of dialog events by the route chosen on the command line.
 //
 //   ondhost.exe [--route callback|window|thread] [--dll <path>] [--exit-after <ms>]
+//               [--run <script.dcs>]
 //
-// A serial-port channel does not exist yet; the simulated device is the only
-// channel for now.
+// --run picks the script in the Script Processor's window and starts it
+// there, so that its log fills while one watches. The simulated device is
+// the only channel.
 #include <windows.h>
 
 #include <cstdarg>
@@ -59,7 +61,11 @@ struct THost {
     HWND window = nullptr;
     HWND log = nullptr;
     UINT exitAfter = 0;
+    std::string runScript;  // full path; empty: none
 } g_host;
+
+// The Script Processor window's "pick this script (and run it)" message.
+const UINT WM_ONX_SCRIPTSELECT = 0x8002;
 
 const char* EventName(uint32_t event) {
     switch (event) {
@@ -224,6 +230,29 @@ void PlaceDialogs() {
     EnumThreadWindows(GetCurrentThreadId(), PlaceOwnedWindow, reinterpret_cast<LPARAM>(&placed));
 }
 
+BOOL CALLBACK FindScriptWindow(HWND hwnd, LPARAM found) {
+    char caption[64] = "";
+    GetWindowTextA(hwnd, caption, sizeof caption);
+    if (GetWindow(hwnd, GW_OWNER) != g_host.window || std::strcmp(caption, "Script processor") != 0)
+        return TRUE;
+    *reinterpret_cast<HWND*>(found) = hwnd;
+    return FALSE;
+}
+
+// As a user would: the script is picked in the window and Execute pressed.
+void RunInScriptWindow(const std::string& path) {
+    HWND window = nullptr;
+    EnumThreadWindows(GetCurrentThreadId(), FindScriptWindow, reinterpret_cast<LPARAM>(&window));
+    if (!window) {
+        Log("--run: the Script Processor window is not open");
+        return;
+    }
+    SetWindowPos(window, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
+    LRESULT started = SendMessageA(window, WM_ONX_SCRIPTSELECT,
+                                   reinterpret_cast<WPARAM>(path.c_str()), 1);
+    Log("--run: %s %s", path.c_str(), started ? "started" : "not started (a script runs)");
+}
+
 LRESULT CALLBACK HostWindowProc(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lParam) {
     switch (msg) {
         case WM_CREATE:
@@ -318,12 +347,17 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int show) {
         } else if (arg == "--dll" && !value.empty()) {
             dllPath = value;
             ++i;
+        } else if (arg == "--run" && !value.empty()) {
+            char full[MAX_PATH] = "";
+            DWORD length = GetFullPathNameA(value.c_str(), MAX_PATH, full, nullptr);
+            g_host.runScript = length > 0 && length < MAX_PATH ? full : value;
+            ++i;
         } else if (arg == "--exit-after" && !value.empty()) {
             g_host.exitAfter = UINT(std::strtoul(value.c_str(), nullptr, 10));
             ++i;
         } else {
             return Fail("usage: ondhost [--route callback|window|thread] [--dll <path>] "
-                        "[--exit-after <ms>]");
+                        "[--exit-after <ms>] [--run <script.dcs>]");
         }
     }
 
@@ -348,6 +382,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int show) {
     UpdateWindow(hwnd);
     for (size_t i = 0; i < g_host.objects.size(); ++i) ShowDialog(i);
     PlaceDialogs();
+    if (!g_host.runScript.empty()) RunInScriptWindow(g_host.runScript);
 
     // A plain loop: the module's hook gives its dialogs their keyboard.
     MSG msg;

@@ -13,6 +13,7 @@
 namespace {
 
 const DWORD kWorkerStackBytes = 65536;
+const UINT_PTR kLogTimerId = 2;  // the status timer is 1
 const char kScriptFilter[] = "Script files (*.dcs)\0*.dcs\0All files (*.*)\0*.*\0";
 
 // The anchoring of the controls when the window is resized.
@@ -87,6 +88,15 @@ bool CScriptProcessorDialog::OnMessage(uint32_t message, uintptr_t wParam, intpt
         case ONX_WM_SCRIPTENDED:
             OnScriptEnded(static_cast<uint32_t>(wParam));
             *result = 0;
+            return true;
+        case ONX_WM_SCRIPTSELECT:
+            *result = 0;
+            if (wParam && IsIdle()) {
+                m_strScriptPath = reinterpret_cast<const char*>(wParam);
+                UpdateDialogState();
+                if (lParam) OnExecute();
+                *result = 1;
+            }
             return true;
         case WM_GETMINMAXINFO: {
             MINMAXINFO* info = reinterpret_cast<MINMAXINFO*>(lParam);
@@ -218,6 +228,7 @@ void CScriptProcessorDialog::OnExecute() {
     HWND log = GetDlgItem(IDC_SP_LOG);
     SendMessageA(log, LB_RESETCONTENT, 0, 0);
     SendMessageA(log, LB_SETHORIZONTALEXTENT, 0, 0);
+    ShowLog();
     if (!m_pOwner) {
         SetEvent(m_hIdleEvent);  // nothing to run: not left "running"
     } else if (!m_pDeviceComm) {
@@ -270,6 +281,7 @@ void CScriptProcessorDialog::Output(void* dialog, const char* text) {
 }
 
 void CScriptProcessorDialog::OnScriptEnded(uint32_t result) {
+    ShowLog();
     if (m_hThread) {
         WaitForSingleObject(m_hThread, INFINITE);
         CloseHandle(m_hThread);
@@ -297,36 +309,61 @@ void CScriptProcessorDialog::AppendOutput(const char* text) {
     } catch (...) {
         return;  // out of memory: this piece of output is lost
     }
-    SendMessageA(log, WM_SETREDRAW, FALSE, 0);
+    // The list changes with drawing off and is shown (scrolled to its end and
+    // repainted) at most every 50 ms: a script that prints in a tight loop
+    // would otherwise spend its time scrolling and painting the list.
+    if (!m_bLogPending) {
+        SendMessageA(log, WM_SETREDRAW, FALSE, 0);
+        m_bLogPending = true;
+        SetTimer(m_hWnd, kLogTimerId, 50, nullptr);
+    }
     if (change.lastRemoved) {
         LRESULT count = SendMessageA(log, LB_GETCOUNT, 0, 0);
         if (count > 0) SendMessageA(log, LB_DELETESTRING, static_cast<WPARAM>(count - 1), 0);
     }
     for (size_t i = 0; i < change.dropped; ++i) SendMessageA(log, LB_DELETESTRING, 0, 0);
-    // Only the new lines are measured: the extent grows to the widest line
-    // seen since the log was cleared, without measuring 5000 lines per output.
-    HDC dc = GetDC(log);
-    HGDIOBJ oldFont = dc ? SelectObject(dc, reinterpret_cast<HGDIOBJ>(SendMessageA(log, WM_GETFONT, 0, 0)))
-                         : nullptr;
-    LONG widest = static_cast<LONG>(SendMessageA(log, LB_GETHORIZONTALEXTENT, 0, 0));
     const auto& lines = m_Log.Lines();
-    for (size_t i = lines.size() - change.added; i < lines.size(); ++i) {
-        SendMessageA(log, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(lines[i].c_str()));
-        SIZE size = {};
-        if (dc && GetTextExtentPoint32A(dc, lines[i].c_str(), static_cast<int>(lines[i].size()), &size) &&
-            size.cx > widest)
-            widest = size.cx;
+    if (change.added > 0) {
+        // Only the new lines are measured: the extent grows to the widest line
+        // since the log was cleared, without measuring 5000 lines per output.
+        // A memory DC measures as the list's own does.
+        LONG extent = static_cast<LONG>(SendMessageA(log, LB_GETHORIZONTALEXTENT, 0, 0));
+        LONG widest = extent;
+        HDC dc = CreateCompatibleDC(nullptr);
+        HGDIOBJ font = reinterpret_cast<HGDIOBJ>(SendMessageA(log, WM_GETFONT, 0, 0));
+        HGDIOBJ oldFont = dc && font ? SelectObject(dc, font) : nullptr;
+        for (size_t i = lines.size() - change.added; i < lines.size(); ++i) {
+            SendMessageA(log, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(lines[i].c_str()));
+            SIZE size = {};
+            if (dc && GetTextExtentPoint32A(dc, lines[i].c_str(), static_cast<int>(lines[i].size()),
+                                            &size) && size.cx > widest)
+                widest = size.cx;
+        }
+        if (dc) {
+            if (oldFont) SelectObject(dc, oldFont);
+            DeleteDC(dc);
+        }
+        if (widest != extent) SendMessageA(log, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(widest), 0);
     }
-    if (dc) {
-        if (oldFont) SelectObject(dc, oldFont);
-        ReleaseDC(log, dc);
-    }
-    SendMessageA(log, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(widest), 0);
+    if (GetTickCount() - m_nLastPaint >= 50) ShowLog();
+}
+
+void CScriptProcessorDialog::ShowLog() {
+    if (!m_bLogPending || !m_hWnd) return;
+    m_bLogPending = false;
+    KillTimer(m_hWnd, kLogTimerId);
+    HWND log = GetDlgItem(IDC_SP_LOG);
     LRESULT count = SendMessageA(log, LB_GETCOUNT, 0, 0);
     if (count > 0) SendMessageA(log, LB_SETTOPINDEX, static_cast<WPARAM>(count - 1), 0);
     SendMessageA(log, WM_SETREDRAW, TRUE, 0);
     InvalidateRect(log, nullptr, TRUE);
     UpdateWindow(log);
+    m_nLastPaint = GetTickCount();
+}
+
+void CScriptProcessorDialog::OnTimer(uintptr_t id) {
+    if (id == kLogTimerId) ShowLog();
+    else CONXDialog::OnTimer(id);
 }
 
 void CScriptProcessorDialog::EndRun() {

@@ -20,6 +20,10 @@ class CONXScriptProcessor;
 enum : uint32_t {
     ONX_WM_SCRIPTOUTPUT = 0x8000,  // wParam: const char* text; sent
     ONX_WM_SCRIPTENDED = 0x8001,   // wParam: the run's EONX_ERR_ERRCODE_; posted
+    // For a host that starts a script in the window as a user would: sent with
+    // wParam = the script's path, lParam != 0 to press Execute script as well.
+    // Answers 1, or 0 while a script runs (nothing changes then).
+    ONX_WM_SCRIPTSELECT = 0x8002,
 };
 
 class CScriptProcessorDialog : public CONXDialog {
@@ -32,6 +36,7 @@ public:
     bool OnCommand(uint32_t id, uint32_t notifyCode, HWND control) override;
     bool DestroyWindow() override;
     void UpdateDialogState() override;
+    void OnTimer(uintptr_t id) override;
 
 private:
     CONXScriptProcessor* Processor() const;
@@ -42,6 +47,8 @@ private:
     void OnExecute();
     void OnScriptEnded(uint32_t result);
     void AppendOutput(const char* text);
+    // Scrolls the log to its end and paints what output has changed.
+    void ShowLog();
     // Stops a run in progress and waits for its thread, serving the output it
     // sends meanwhile; afterwards no worker exists and the idle event is set.
     void EndRun();
@@ -58,6 +65,8 @@ private:
     unsigned long m_nThreadId = 0;
     std::atomic<bool> m_bClosing{false};
     CONXScriptLog m_Log;
+    unsigned long m_nLastPaint = 0;  // tick of the log's last paint
+    bool m_bLogPending = false;      // changed, drawing off, not yet shown
     int m_nMinWidth = 0;
     int m_nMinHeight = 250;
     CWinOperatorPrompt m_Prompt;

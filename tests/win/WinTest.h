@@ -52,3 +52,4 @@ void TestApp();
 void TestDialogs();
 void TestTemplates();
 void TestHost();
+void TestScriptWindow();

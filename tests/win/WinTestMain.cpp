@@ -53,6 +53,8 @@ HWND TestHostWindow() {
 
 // Screenshots go to the folder given, else to screenshots\ beside bin\.
 int main(int argc, char** argv) {
+    // Unbuffered: a run cut off by CTest's timeout still shows how far it got.
+    std::setvbuf(stdout, nullptr, _IONBF, 0);
     std::string folder;
     if (argc > 1) {
         folder = argv[1];
@@ -71,6 +73,7 @@ int main(int argc, char** argv) {
     TestApp();
     TestDialogs();
     TestTemplates();
+    TestScriptWindow();
     TestHost();
 
     std::printf("%d passed, %d failed\n", g_passed, g_failed);
