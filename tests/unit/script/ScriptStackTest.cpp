@@ -5,6 +5,7 @@
 #include <string>
 
 #include "os/Platform.h"
+#include "os/StackScale.h"
 #include "script/ScriptErrors.h"
 #include "ScriptTestRun.h"
 
@@ -19,7 +20,7 @@ TSCRIPTTESTRUN RunOnWorkerStack(const std::string& text) {
     TJOB job;
     job.text = text;
     COsThread thread;
-    EXPECT_TRUE(thread.Start(65536, [](void* p) {
+    EXPECT_TRUE(thread.Start(65536 * kOsStackScale, [](void* p) {
         TJOB* j = static_cast<TJOB*>(p);
         j->result = ScriptTestRun(j->text);
     }, &job));

@@ -1,0 +1,20 @@
+// AddressSanitizer builds have frames several times larger than normal ones.
+// Threads sized for scripts (64 KiB, the Script Processor's worker) get this
+// factor more in such builds, so a script nests as deep there as anywhere.
+#pragma once
+
+#include <cstddef>
+
+#if defined(__SANITIZE_ADDRESS__)
+#define OND_ADDRESS_SANITIZER 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define OND_ADDRESS_SANITIZER 1
+#endif
+#endif
+
+#ifdef OND_ADDRESS_SANITIZER
+constexpr size_t kOsStackScale = 8;
+#else
+constexpr size_t kOsStackScale = 1;
+#endif
