@@ -414,7 +414,11 @@ void TestOperatorDialogs(CSimDevice* sim) {
                                "print(\"value \", v, \" confirmed \", ok, \"\\n\");\n"
                                "pick = userlistinput(\"Pick test\", \"\", \"alpha\" + chr(0) + \"beta\" + "
                                "chr(0) + \"gamma with a longer text\" + chr(0), 1, &ok);\n"
-                               "print(\"picked \", pick, \" confirmed \", ok, \"\\n\");\n"));
+                               "print(\"picked \", pick, \" confirmed \", ok, \"\\n\");\n"
+                               "var string t;\n"
+                               "t = userinputstring(\"Text test\", \"\", \"abc\", &ok);\n"
+                               "messagebox(\"Note\", \"got \" + t);\n"
+                               "print(\"text \", t, \" confirmed \", ok, \"\\n\");\n"));
     Click(dialog, IDC_SP_EXECUTE);
 
     HWND ask = nullptr;
@@ -461,9 +465,29 @@ void TestOperatorDialogs(CSimDevice* sim) {
         SendMessageA(list, LB_SETCURSEL, 2, 0);
         PostMessageA(pick, WM_COMMAND, IDOK, 0);
     }
+
+    // A text question with an empty prompt, then a message with its caption
+    // first, as the script gives them.
+    HWND text = nullptr;
+    CHECK(PumpUntil([&] { return (text = FindDialog("Text test")) != nullptr; }, 10000));
+    if (text) {
+        PumpMessages(300);
+        CHECK_EQ_STR(ItemText(text, IDC_UI_PROMPT), "Enter information");
+        CHECK_EQ_STR(ItemText(text, IDC_UI_INPUT), "abc");
+        SetDlgItemTextA(text, IDC_UI_INPUT, "typed text");
+        PostMessageA(text, WM_COMMAND, IDOK, 0);
+    }
+    HWND note = nullptr;
+    CHECK(PumpUntil([&] { return (note = FindDialog("Note")) != nullptr; }, 10000));
+    if (note) {
+        PumpMessages(300);
+        CHECK_EQ_STR(BoxText(note), "got typed text");
+        CHECK(GetWindow(note, GW_OWNER) == nullptr);
+        PostMessageA(note, WM_COMMAND, IDOK, 0);
+    }
     CHECK(PumpUntil([&] { return Idle(dialog); }, 10000));
     CHECK_EQ_STR(Joined(ListLines(GetDlgItem(dialog, IDC_SP_LOG))),
-                 "value 12 confirmed 1|picked 2 confirmed 1|");
+                 "value 12 confirmed 1|picked 2 confirmed 1|text typed text confirmed 1|");
     // The object's own prompt is back as it was: none.
     CHECK(processor.GetRunContext()->m_pOperator == nullptr);
 }
