@@ -125,12 +125,23 @@ extern bool g_ScriptFastPath;
 
 // Computes an expression of numbers only into result, the cursor standing at
 // its first token; false (and nothing changed) when the expression is not one.
-bool ScriptFastEvaluate(CONXScriptExecContext* context, CONXScriptFunc* scope, TSCRIPTTOKEN* first,
-                        CONXScriptVariable* result);
+bool ScriptFastEvaluateAt(CONXScriptExecContext* context, CONXScriptFunc* scope, TSCRIPTTOKEN* first,
+                          CONXScriptVariable* result);
+inline bool ScriptFastEvaluate(CONXScriptExecContext* context, CONXScriptFunc* scope,
+                               TSCRIPTTOKEN* first, CONXScriptVariable* result) {
+    // Known failures are answered here, without a call.
+    if (!g_ScriptFastPath || first->noFast) return false;
+    return ScriptFastEvaluateAt(context, scope, first, result);
+}
 
 // The same, giving the value's type and number instead.
-bool ScriptFastValue(CONXScriptExecContext* context, CONXScriptFunc* scope, TSCRIPTTOKEN* first,
-                     uint32_t* type, uint64_t* value);
+bool ScriptFastValueAt(CONXScriptExecContext* context, CONXScriptFunc* scope, TSCRIPTTOKEN* first,
+                       uint32_t* type, uint64_t* value);
+inline bool ScriptFastValue(CONXScriptExecContext* context, CONXScriptFunc* scope, TSCRIPTTOKEN* first,
+                            uint32_t* type, uint64_t* value) {
+    if (!g_ScriptFastPath || first->noFast) return false;
+    return ScriptFastValueAt(context, scope, first, type, value);
+}
 
 // Evaluates a call: the cursor stands after the function's name.
 uint32_t ScriptCallFunction(CONXScriptExecContext* context, CONXScriptFunc* scope,

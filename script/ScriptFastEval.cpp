@@ -44,6 +44,7 @@ struct TSCRIPTFASTPROGRAM {
     std::vector<TFASTOP> ops;
     TSCRIPTTOKEN* end;    // the token after the expression
     bool topIsOperator;   // the outermost step is an operator, which takes the result's type
+    bool pair;            // just "leaf operator leaf": run without the loop
 };
 
 namespace {
@@ -131,14 +132,65 @@ EFASTRESULT Compile(TCOMPILE* c, bool top) {
     return FAST_OK;
 }
 
-// Runs a program; false when the ordinary evaluation has to do it.
+// Per type code: signedness, and the common type of two operands (the rule of
+// the ordinary path, looked up instead of worked out per operator).
+const uint8_t kSigned[6] = {0, 0, 0, 1, 0, 1};
+struct TPROMOTE {
+    uint8_t t[6][6];
+    constexpr TPROMOTE() : t() {
+        for (uint32_t l = 0; l < 6; l++)
+            for (uint32_t r = 0; r < 6; r++) {
+                bool wide = ScriptTypeIs64(l) || ScriptTypeIs64(r);
+                bool isSigned = ScriptTypeIsSigned(l) || ScriptTypeIsSigned(r);
+                t[l][r] = wide ? (isSigned ? SCRIPT_TYPE_INT64 : SCRIPT_TYPE_UINT64)
+                               : (isSigned ? SCRIPT_TYPE_INT32 : SCRIPT_TYPE_UINT32);
+            }
+    }
+};
+constexpr TPROMOTE kPromote;
+
+// Reads a constant or variable step; false when the variable is not a number now.
+inline bool Leaf(const TFASTOP* op, uint32_t* type, uint64_t* value) {
+    if (op->code == OP_CONST) {
+        *type = op->type;
+        *value = op->value;
+        return true;
+    }
+    CONXScriptObject* o = op->object;
+    if (o->KindTag() == SCRIPT_OBJ_TEMPLATE) o = static_cast<CONXScriptVarTemplate*>(o)->m_pCurrent;
+    if (!o) return false;
+    CONXScriptVariable* v = static_cast<CONXScriptVariable*>(o)->Resolved();
+    uint32_t vt = v->Type();
+    if (!ScriptTypeIsNumeric(vt)) return false;
+    *type = vt;
+    *value = v->Number();
+    return true;
+}
+
+// Runs a program; false when the ordinary evaluation has to do it. Every type
+// on the value stack is a numeric one (1, 3, 4 or 5).
 bool Execute(const TSCRIPTFASTPROGRAM* program, uint32_t resultType, uint32_t* type, uint64_t* value) {
-    uint64_t types[kMaxDepth];
+    const TFASTOP* op = program->ops.data();
+    if (program->pair) {
+        // The same steps as below, for the most common shape.
+        uint32_t lt, rt;
+        uint64_t lv, rv;
+        if (!Leaf(op, &lt, &lv) || !Leaf(op + 1, &rt, &rv)) return false;
+        op += 2;
+        uint32_t t = resultType;  // the operator is the outermost step
+        if (!t) t = (op->row == SCRIPT_ROW_SHL || op->row == SCRIPT_ROW_SHR) ? lt : kPromote.t[lt][rt];
+        int index = kSigned[lt] | (kSigned[rt] << 1) | (kSigned[t] << 2);
+        uint64_t v;
+        if (g_ScriptBinaryRoutines[op->row][index](lv, rv, &v)) return false;
+        *type = t;
+        *value = Normalise(t, v);
+        return true;
+    }
+    uint32_t types[kMaxDepth];
     uint64_t values[kMaxDepth];
     size_t sp = 0;
-    const TFASTOP* op = program->ops.data();
-    const TFASTOP* last = op + program->ops.size() - 1;
-    for (; op <= last; op++) {
+    const TFASTOP* end = op + program->ops.size();
+    for (; op != end; op++) {
         switch (op->code) {
         case OP_CONST:
             types[sp] = op->type;
@@ -149,8 +201,9 @@ bool Execute(const TSCRIPTFASTPROGRAM* program, uint32_t resultType, uint32_t* t
             if (o->KindTag() == SCRIPT_OBJ_TEMPLATE) o = static_cast<CONXScriptVarTemplate*>(o)->m_pCurrent;
             if (!o) return false;
             CONXScriptVariable* v = static_cast<CONXScriptVariable*>(o)->Resolved();
-            if (!ScriptTypeIsNumeric(v->Type())) return false;
-            types[sp] = v->Type();
+            uint32_t vt = v->Type();
+            if (!ScriptTypeIsNumeric(vt)) return false;
+            types[sp] = vt;
             values[sp++] = v->Number();
             break;
         }
@@ -159,9 +212,9 @@ bool Execute(const TSCRIPTFASTPROGRAM* program, uint32_t resultType, uint32_t* t
             values[sp - 1] = Normalise(op->type, values[sp - 1]);
             break;
         case OP_UNARY: {
-            uint32_t restType = (uint32_t)types[sp - 1];
+            uint32_t restType = types[sp - 1];
             uint32_t t = (op->top && resultType) ? resultType : restType;
-            int index = (ScriptTypeIsSigned(restType) ? 1 : 0) | (ScriptTypeIsSigned(t) ? 2 : 0);
+            int index = kSigned[restType] | (kSigned[t] << 1);
             uint64_t v;
             (void)g_ScriptUnaryRoutines[op->row][index](values[sp - 1], 0, &v);
             types[sp - 1] = t;
@@ -170,20 +223,10 @@ bool Execute(const TSCRIPTFASTPROGRAM* program, uint32_t resultType, uint32_t* t
         }
         default: {  // OP_BINARY
             sp--;
-            uint32_t lt = (uint32_t)types[sp - 1], rt = (uint32_t)types[sp];
+            uint32_t lt = types[sp - 1], rt = types[sp];
             uint32_t t = op->top ? resultType : 0;
-            if (!t) {
-                if (op->row == SCRIPT_ROW_SHL || op->row == SCRIPT_ROW_SHR) {
-                    t = lt;
-                } else {
-                    bool wide = ScriptTypeIs64(lt) || ScriptTypeIs64(rt);
-                    bool isSigned = ScriptTypeIsSigned(lt) || ScriptTypeIsSigned(rt);
-                    t = wide ? (isSigned ? SCRIPT_TYPE_INT64 : SCRIPT_TYPE_UINT64)
-                             : (isSigned ? SCRIPT_TYPE_INT32 : SCRIPT_TYPE_UINT32);
-                }
-            }
-            int index = (ScriptTypeIsSigned(lt) ? 1 : 0) | (ScriptTypeIsSigned(rt) ? 2 : 0) |
-                        (ScriptTypeIsSigned(t) ? 4 : 0);
+            if (!t) t = (op->row == SCRIPT_ROW_SHL || op->row == SCRIPT_ROW_SHR) ? lt : kPromote.t[lt][rt];
+            int index = kSigned[lt] | (kSigned[rt] << 1) | (kSigned[t] << 2);
             uint64_t v;
             if (g_ScriptBinaryRoutines[op->row][index](values[sp - 1], values[sp], &v)) return false;
             types[sp - 1] = t;
@@ -192,7 +235,7 @@ bool Execute(const TSCRIPTFASTPROGRAM* program, uint32_t resultType, uint32_t* t
         }
         }
     }
-    *type = (uint32_t)types[0];
+    *type = types[0];
     *value = values[0];
     if (!program->topIsOperator && resultType) {
         *type = resultType;
@@ -201,23 +244,36 @@ bool Execute(const TSCRIPTFASTPROGRAM* program, uint32_t resultType, uint32_t* t
     return true;
 }
 
+// Translates the expression at first, once per scope; null when it is not one
+// of numbers only (or cannot be taken now). Kept apart from the hot path.
+__attribute__((noinline)) TSCRIPTFASTPROGRAM* Translate(CONXScriptExecContext* context,
+                                                        CONXScriptFunc* scope, TSCRIPTTOKEN* first) {
+    if (context->IndexOf(first) < 0) return nullptr;
+    std::unique_ptr<TSCRIPTFASTPROGRAM> made(new TSCRIPTFASTPROGRAM);
+    made->scope = scope;
+    made->topIsOperator = false;
+    made->pair = false;
+    TCOMPILE c = {context, scope, first, made.get(), 0, 0};
+    EFASTRESULT r = Compile(&c, true);
+    if (r == FAST_NEVER || (r == FAST_OK && c.maxDepth > kMaxDepth)) first->noFast = true;
+    if (r != FAST_OK || first->noFast) return nullptr;
+    made->end = c.p;
+    const std::vector<TFASTOP>& ops = made->ops;
+    made->pair = ops.size() == 3 && ops[0].code <= OP_VAR && ops[1].code <= OP_VAR &&
+                 ops[2].code == OP_BINARY && ops[2].top;
+    TSCRIPTFASTPROGRAM* program = made.get();
+    context->fastPrograms.emplace_back(made.release());
+    first->fastProgram = program;
+    return program;
+}
+
 bool Run(CONXScriptExecContext* context, CONXScriptFunc* scope, TSCRIPTTOKEN* first,
          uint32_t resultType, uint32_t* type, uint64_t* value) {
     if (!g_ScriptFastPath || first->noFast || resultType == SCRIPT_TYPE_STRING) return false;
     TSCRIPTFASTPROGRAM* program = first->fastProgram;
     if (!program || program->scope != scope) {
-        if (context->IndexOf(first) < 0) return false;
-        std::unique_ptr<TSCRIPTFASTPROGRAM> made(new TSCRIPTFASTPROGRAM);
-        made->scope = scope;
-        made->topIsOperator = false;
-        TCOMPILE c = {context, scope, first, made.get(), 0, 0};
-        EFASTRESULT r = Compile(&c, true);
-        if (r == FAST_NEVER || (r == FAST_OK && c.maxDepth > kMaxDepth)) first->noFast = true;
-        if (r != FAST_OK || first->noFast) return false;
-        made->end = c.p;
-        program = made.get();
-        context->fastPrograms.emplace_back(made.release());
-        first->fastProgram = program;
+        program = Translate(context, scope, first);
+        if (!program) return false;
     }
     if (!Execute(program, resultType, type, value)) return false;
     // Where the ordinary evaluation leaves the cursor: the token after the
@@ -235,8 +291,8 @@ void CONXScriptExecContext::TFREEPROGRAM::operator()(TSCRIPTFASTPROGRAM* program
     delete program;
 }
 
-bool ScriptFastEvaluate(CONXScriptExecContext* context, CONXScriptFunc* scope, TSCRIPTTOKEN* first,
-                        CONXScriptVariable* result) {
+bool ScriptFastEvaluateAt(CONXScriptExecContext* context, CONXScriptFunc* scope, TSCRIPTTOKEN* first,
+                          CONXScriptVariable* result) {
     uint32_t resultType = result->Type();
     uint32_t type;
     uint64_t value;
@@ -246,7 +302,7 @@ bool ScriptFastEvaluate(CONXScriptExecContext* context, CONXScriptFunc* scope, T
     return true;
 }
 
-bool ScriptFastValue(CONXScriptExecContext* context, CONXScriptFunc* scope, TSCRIPTTOKEN* first,
-                     uint32_t* type, uint64_t* value) {
+bool ScriptFastValueAt(CONXScriptExecContext* context, CONXScriptFunc* scope, TSCRIPTTOKEN* first,
+                       uint32_t* type, uint64_t* value) {
     return Run(context, scope, first, SCRIPT_TYPE_NONE, type, value);
 }

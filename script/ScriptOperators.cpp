@@ -130,7 +130,16 @@ int32_t ScriptUnaryRow(int32_t op) {
     }
 }
 
-uint32_t CONXScriptVariable::ApplyAssignmentOp(int32_t op, CONXScriptVariable* source) {
+uint32_t CONXScriptVariable::ApplyAssignmentOther(int32_t op, CONXScriptVariable* source) {
+    // Numbers on both sides, an operator with the assignment ("=" is handled inline).
+    if (ScriptTypeIsNumeric(m_type) && ScriptTypeIsNumeric(source->m_type) && op != SCRIPT_OP_ASSIGN &&
+        op >= 0 && (g_ScriptOperators[op].opClass & SCRIPT_OPCLASS_ASSIGN)) {
+        int index = (ScriptTypeIsSigned(m_type) ? 5 : 0) | (ScriptTypeIsSigned(source->m_type) ? 2 : 0);
+        uint64_t out;
+        uint32_t err = g_ScriptBinaryRoutines[ScriptBinaryRow(op)][index](Number(), source->Number(), &out);
+        if (err) return err;
+        return StoreNumber(out, 0);
+    }
     if (op < 0 || !(g_ScriptOperators[op].opClass & SCRIPT_OPCLASS_ASSIGN))
         return SCRIPT_ERR_SYNTAX;
     if (m_type == SCRIPT_TYPE_NONE) m_type = source->m_type;

@@ -17,9 +17,9 @@ enum : uint32_t {
     SCRIPT_TYPE_INT64 = 5,
 };
 
-inline bool ScriptTypeIsNumeric(uint32_t t) { return t == 1 || t == 3 || t == 4 || t == 5; }
-inline bool ScriptTypeIsSigned(uint32_t t) { return t == 3 || t == 5; }
-inline bool ScriptTypeIs64(uint32_t t) { return t == 4 || t == 5; }
+constexpr bool ScriptTypeIsNumeric(uint32_t t) { return t == 1 || t == 3 || t == 4 || t == 5; }
+constexpr bool ScriptTypeIsSigned(uint32_t t) { return t == 3 || t == 5; }
+constexpr bool ScriptTypeIs64(uint32_t t) { return t == 4 || t == 5; }
 
 // Bytes held by the strings of one run; a run installs it for its thread.
 struct TSCRIPTSTRINGBUDGET {
@@ -115,7 +115,13 @@ public:
         m_value64s = 0;
     }
     uint32_t AssignFast(CONXScriptVariable* source);  // Assign, both already resolved
-    uint32_t ApplyAssignmentOp(int32_t op, CONXScriptVariable* source);
+    uint32_t ApplyAssignmentOp(int32_t op, CONXScriptVariable* source) {
+        // A number into a typed number, inline ("+" of one operand is the value).
+        if (op == SCRIPT_OP_ASSIGN && ScriptTypeIsNumeric(m_type) && ScriptTypeIsNumeric(source->m_type))
+            return StoreNumber(source->Number(), 0);
+        return ApplyAssignmentOther(op, source);
+    }
+    uint32_t ApplyAssignmentOther(int32_t op, CONXScriptVariable* source);
     uint32_t ApplyUnaryOp(int32_t op, CONXScriptVariable* operand);
     uint32_t ApplyBinaryOp(int32_t op, CONXScriptVariable* left, CONXScriptVariable* right);
     void ClearText();
