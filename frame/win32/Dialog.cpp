@@ -7,6 +7,7 @@
 #include "frame/DeviceClient.h"
 #include "frame/Dialog.h"
 #include "frame/win32/App.h"
+#include "frame/win32/ListBoxExtent.h"
 #include "frame/win32/ModuleInstance.h"
 
 // ---------------------------------------------------------------------------
@@ -282,35 +283,7 @@ void CONXDialog::UpdateCommStatus(uint32_t ctrlId) {
 }
 
 void CONXDialog::RepairHorizontalScrollbarExtendInListBox(HWND listBox) {
-    if (!listBox) return;
-    HDC dc = GetDC(listBox);
-    if (!dc) return;
-    HGDIOBJ font = reinterpret_cast<HGDIOBJ>(SendMessageA(listBox, WM_GETFONT, 0, 0));
-    HGDIOBJ oldFont = font ? SelectObject(dc, font) : nullptr;
-    bool tabbed = (GetWindowLongA(listBox, GWL_STYLE) & LBS_USETABSTOPS) != 0;
-    LONG widest = 0;
-    LRESULT count = SendMessageA(listBox, LB_GETCOUNT, 0, 0);
-    std::string item;
-    for (LRESULT i = 0; i < count; ++i) {
-        LRESULT length = SendMessageA(listBox, LB_GETTEXTLEN, i, 0);
-        if (length < 0) continue;
-        item.assign(static_cast<size_t>(length) + 1, '\0');
-        length = SendMessageA(listBox, LB_GETTEXT, i, reinterpret_cast<LPARAM>(&item[0]));
-        if (length < 0) continue;
-        LONG width;
-        if (tabbed) {
-            width = LOWORD(GetTabbedTextExtentA(dc, item.c_str(), static_cast<int>(length), 0,
-                                                nullptr));
-        } else {
-            SIZE size = {};
-            GetTextExtentPoint32A(dc, item.c_str(), static_cast<int>(length), &size);
-            width = size.cx;
-        }
-        if (width > widest) widest = width;
-    }
-    if (oldFont) SelectObject(dc, oldFont);
-    ReleaseDC(listBox, dc);
-    SendMessageA(listBox, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(widest), 0);
+    ListBoxFitHorizontalExtent(listBox);
 }
 
 // Each line ends in a bare line feed and the buffer carries no terminating

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include "frame/win32/ListBoxExtent.h"
 #include "res/OndResource.h"
 #include "script/ScriptValue.h"
 #include "scriptrt/UserInputFuncs.h"
@@ -16,36 +17,6 @@ std::string ControlText(HWND control) {
     return text;
 }
 
-// The list's horizontal extent covers its widest item.
-void FitHorizontalExtent(HWND listBox) {
-    HDC dc = GetDC(listBox);
-    if (!dc) return;
-    HGDIOBJ font = reinterpret_cast<HGDIOBJ>(SendMessageA(listBox, WM_GETFONT, 0, 0));
-    HGDIOBJ oldFont = font ? SelectObject(dc, font) : nullptr;
-    bool tabbed = (GetWindowLongA(listBox, GWL_STYLE) & LBS_USETABSTOPS) != 0;
-    LONG widest = 0;
-    LRESULT count = SendMessageA(listBox, LB_GETCOUNT, 0, 0);
-    for (LRESULT i = 0; i < count; ++i) {
-        LRESULT length = SendMessageA(listBox, LB_GETTEXTLEN, i, 0);
-        if (length < 0) continue;
-        std::string item(static_cast<size_t>(length) + 1, '\0');
-        length = SendMessageA(listBox, LB_GETTEXT, i, reinterpret_cast<LPARAM>(&item[0]));
-        if (length < 0) continue;
-        LONG width;
-        if (tabbed) {
-            width = LOWORD(GetTabbedTextExtentA(dc, item.c_str(), static_cast<int>(length), 0,
-                                                nullptr));
-        } else {
-            SIZE size = {};
-            GetTextExtentPoint32A(dc, item.c_str(), static_cast<int>(length), &size);
-            width = size.cx;
-        }
-        if (width > widest) widest = width;
-    }
-    if (oldFont) SelectObject(dc, oldFont);
-    ReleaseDC(listBox, dc);
-    SendMessageA(listBox, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(widest), 0);
-}
 
 const uint32_t kModeTypes[] = {SCRIPT_TYPE_UINT32, SCRIPT_TYPE_INT32, SCRIPT_TYPE_UINT64,
                                SCRIPT_TYPE_INT64};
@@ -116,7 +87,7 @@ bool CUserListInputDlg::OnInitDialog() {
         LRESULT at = SendMessageA(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(m_Items[i].c_str()));
         if (at >= 0) SendMessageA(list, LB_SETITEMDATA, static_cast<WPARAM>(at), static_cast<LPARAM>(i));
     }
-    FitHorizontalExtent(list);
+    ListBoxFitHorizontalExtent(list);
     SendMessageA(list, LB_SETCURSEL, m_nSelected, 0);
     SetFocus(list);
     return false;

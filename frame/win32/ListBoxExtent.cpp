@@ -1,0 +1,35 @@
+#include "frame/win32/ListBoxExtent.h"
+
+#include <string>
+
+void ListBoxFitHorizontalExtent(HWND listBox) {
+    if (!listBox) return;
+    HDC dc = GetDC(listBox);
+    if (!dc) return;
+    HGDIOBJ font = reinterpret_cast<HGDIOBJ>(SendMessageA(listBox, WM_GETFONT, 0, 0));
+    HGDIOBJ oldFont = font ? SelectObject(dc, font) : nullptr;
+    bool tabbed = (GetWindowLongA(listBox, GWL_STYLE) & LBS_USETABSTOPS) != 0;
+    LONG widest = 0;
+    LRESULT count = SendMessageA(listBox, LB_GETCOUNT, 0, 0);
+    std::string item;
+    for (LRESULT i = 0; i < count; ++i) {
+        LRESULT length = SendMessageA(listBox, LB_GETTEXTLEN, i, 0);
+        if (length < 0) continue;
+        item.assign(static_cast<size_t>(length) + 1, '\0');
+        length = SendMessageA(listBox, LB_GETTEXT, i, reinterpret_cast<LPARAM>(&item[0]));
+        if (length < 0) continue;
+        LONG width;
+        if (tabbed) {
+            width = LOWORD(GetTabbedTextExtentA(dc, item.c_str(), static_cast<int>(length), 0,
+                                                nullptr));
+        } else {
+            SIZE size = {};
+            GetTextExtentPoint32A(dc, item.c_str(), static_cast<int>(length), &size);
+            width = size.cx;
+        }
+        if (width > widest) widest = width;
+    }
+    if (oldFont) SelectObject(dc, oldFont);
+    ReleaseDC(listBox, dc);
+    SendMessageA(listBox, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(widest), 0);
+}
