@@ -38,9 +38,15 @@ ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 run_ctest build/san
 echo "== build: windows"
 configure_build build/windows -DCMAKE_TOOLCHAIN_FILE="$root/cmake/mingw-w64-x86_64.cmake"
 bash tools/check-imports.sh build/windows/bin/OndDeviceClient.dll || fail=1
-# The Wine prefix is made once here, not by the first test that happens to run.
-tools/wine-run.sh wineboot -i >/dev/null 2>&1 || true
-xvfb-run -a -s "-screen 0 1280x1024x24" ctest --test-dir build/windows --output-on-failure -j "$JOBS" || fail=1
+# Wine's desktop process binds to the display of the server's first program:
+# start from no server, make the prefix once under the tests' own display (not
+# in the first test that happens to run), then run the tests on that display.
+export WINEPREFIX="$root/build/wineprefix"
+wineserver -k >/dev/null 2>&1 || true
+xvfb-run -a -s "-screen 0 1280x1024x24" bash -c '
+    tools/wine-run.sh wineboot -i >/dev/null 2>&1
+    ctest --test-dir build/windows --output-on-failure -j "$1"' windows-tests "$JOBS" || fail=1
+wineserver -k >/dev/null 2>&1 || true
 
 echo "== build: fuzz"
 configure_build build/fuzz -DOND_FUZZ=ON -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++
