@@ -117,8 +117,8 @@ int Main(int argc, char** argv) {
         return 0;
     }
     CDcsVariables variables;
-    for (const std::string& spec : options.sets) {
-        if (!variables.Add(spec, &error)) {
+    for (const std::string& setting : options.sets) {
+        if (!variables.Add(setting, &error)) {
             fprintf(stderr, "dcsrun: %s\n", error.c_str());
             return DCSRUN_EXIT_USAGE;
         }

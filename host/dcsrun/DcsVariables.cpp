@@ -80,20 +80,20 @@ bool ParseNumber(const std::string& text, uint32_t type, uint64_t* value) {
 
 }  // namespace
 
-bool CDcsVariables::Add(const std::string& spec, std::string* error) {
-    size_t eq = spec.find('=');
-    size_t colon = eq == std::string::npos ? std::string::npos : spec.find(':', eq + 1);
+bool CDcsVariables::Add(const std::string& setting, std::string* error) {
+    size_t eq = setting.find('=');
+    size_t colon = eq == std::string::npos ? std::string::npos : setting.find(':', eq + 1);
     if (eq == std::string::npos || eq == 0 || colon == std::string::npos) {
-        *error = "--set '" + spec + "': expected NAME=TYPE:VALUE";
+        *error = "--set '" + setting + "': expected NAME=TYPE:VALUE";
         return false;
     }
-    std::string typeName = spec.substr(eq + 1, colon - eq - 1);
-    std::string value = spec.substr(colon + 1);
+    std::string typeName = setting.substr(eq + 1, colon - eq - 1);
+    std::string value = setting.substr(colon + 1);
     uint32_t type = SCRIPT_TYPE_NONE;
     for (const TTYPENAME& t : kTypes)
         if (typeName == t.name) type = t.type;
     if (type == SCRIPT_TYPE_NONE) {
-        *error = "--set '" + spec + "': unknown type '" + typeName +
+        *error = "--set '" + setting + "': unknown type '" + typeName +
                  "' (dword, uint32, int32, uint64, int64 or string)";
         return false;
     }
@@ -106,11 +106,11 @@ bool CDcsVariables::Add(const std::string& spec, std::string* error) {
         std::string bytes = CONXDeviceClient::ParseString(value.c_str(), value.size(), '\0',
                                                           nullptr, &parseError, &ok);
         if (!ok) {
-            *error = "--set '" + spec + "': " + parseError;
+            *error = "--set '" + setting + "': " + parseError;
             return false;
         }
         if (bytes.size() > 0xFFFFFFFFull) {
-            *error = "--set '" + spec + "': string too long";
+            *error = "--set '" + setting + "': string too long";
             return false;
         }
         m_texts.push_back(bytes);
@@ -119,13 +119,13 @@ bool CDcsVariables::Add(const std::string& spec, std::string* error) {
     } else {
         uint64_t number = 0;
         if (!ParseNumber(value, type, &number)) {
-            *error = "--set '" + spec + "': '" + value + "' is not a " + typeName + " value";
+            *error = "--set '" + setting + "': '" + value + "' is not a " + typeName + " value";
             return false;
         }
         m_numbers.push_back(number);
         record.value = (uint64_t)(uintptr_t)&m_numbers.back();  // numbers go in by pointer
     }
-    m_names.push_back(spec.substr(0, eq));
+    m_names.push_back(setting.substr(0, eq));
     record.name = m_names.back().c_str();
     m_records.push_back(record);
     return true;

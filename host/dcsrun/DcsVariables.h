@@ -12,7 +12,7 @@
 class CDcsVariables {
 public:
     // false with *error for a malformed specification.
-    bool Add(const std::string& spec, std::string* error);
+    bool Add(const std::string& setting, std::string* error);
     TONX_SCRIPTVARIABLE* Records() { return m_records.data(); }
     uint64_t Count() const { return m_records.size(); }
 
