@@ -11,7 +11,7 @@
 
 class CDcsVariables {
 public:
-    // false with *error for a malformed specification.
+    // false with *error for a malformed setting.
     bool Add(const std::string& setting, std::string* error);
     TONX_SCRIPTVARIABLE* Records() { return m_records.data(); }
     uint64_t Count() const { return m_records.size(); }
