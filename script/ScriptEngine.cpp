@@ -55,6 +55,20 @@ uint32_t Condition(CONXScriptExecContext* context, CONXScriptFunc* scope, uint64
     return ExpectPunct(context, ')');
 }
 
+// Whether the argument list opened by the "(" token open holds a call (a
+// name followed by "("); true when that cannot be told. Kept in the token.
+bool ArgumentsMayCall(CONXScriptExecContext* context, TSCRIPTTOKEN* open) {
+    if (open->restCall) return open->restCall == 2;
+    int32_t i = context->IndexOf(open);
+    bool call = i < 0 || open->match < 0;
+    for (int32_t k = i + 1; !call && k < open->match; k++) {
+        const TSCRIPTTOKEN* t = context->TokenByIndex(k);
+        call = t->error || (t->kind == SCRIPT_TOK_IDENT && IsPunct(context->TokenByIndex(k + 1), '('));
+    }
+    open->restCall = call ? 2 : 1;
+    return call;
+}
+
 }  // namespace
 
 void CONXScriptVarStack::NextChunk() {
@@ -204,13 +218,19 @@ uint32_t ScriptCallFunction(CONXScriptExecContext* context, CONXScriptFunc* scop
                             CONXScriptFunc* callee, CONXScriptVariable* result) {
     if (context->StackLow()) return SCRIPT_ERR_OUTOFMEMORY;
     if (context->Step()) return SCRIPT_ERR_ABORTED;
+    TSCRIPTTOKEN* open = context->Next();
+    if (open->error) return open->error;
+    if (!IsPunct(open, '(')) return SCRIPT_ERR_UNEXPECTEDTOKEN;
     uint32_t err;
-    if ((err = ExpectPunct(context, '('))) return err;
     CONXScriptVarStack::TMARK mark = context->vars.Mark();
     size_t base = context->arguments.size();
     TSCRIPTTOKEN* t = context->Next();
     if (t->error) return t->error;
     if (!IsPunct(t, ')')) {
+        // A built-in that only reads its arguments may read a lone variable
+        // where it is, unless a later argument calls something that could
+        // change the variable before the built-in runs.
+        bool inPlace = callee->m_readsArgumentsOnly && !ArgumentsMayCall(context, open);
         context->PutBack(t);
         for (size_t i = 0;; i++) {
             CONXScriptObject* param = callee->GetParameter(i);
@@ -244,12 +264,17 @@ uint32_t ScriptCallFunction(CONXScriptExecContext* context, CONXScriptFunc* scop
                 }
             } else {
                 context->PutBack(t);
-                CONXScriptVariable* v = context->vars.Push();
-                if (paramTag == SCRIPT_OBJ_TEMPLATE)
-                    v->InitFast(static_cast<CONXScriptVarTemplate*>(param));
-                else if (paramTag == SCRIPT_OBJ_FUNCTION)
-                    return SCRIPT_ERR_TYPE;  // a "func" parameter takes only "&name"
-                if ((err = scope->Eval(context, v))) return err;
+                CONXScriptVariable* v;
+                if (inPlace) {
+                    if ((err = scope->EvalRef(context, &v))) return err;
+                } else {
+                    v = context->vars.Push();
+                    if (paramTag == SCRIPT_OBJ_TEMPLATE)
+                        v->InitFast(static_cast<CONXScriptVarTemplate*>(param));
+                    else if (paramTag == SCRIPT_OBJ_FUNCTION)
+                        return SCRIPT_ERR_TYPE;  // a "func" parameter takes only "&name"
+                    if ((err = scope->Eval(context, v))) return err;
+                }
                 context->arguments.push_back(v);
             }
             t = context->Next();

@@ -74,6 +74,9 @@ public:
     CONXScriptObject* m_pBound = nullptr;
     // Where an assignment to the function's own name goes in the running call.
     CONXScriptObject* m_pResult = nullptr;
+    // A built-in that never writes its arguments: a lone variable or literal
+    // may be handed to it in place of its by-value copy.
+    bool m_readsArgumentsOnly = false;
 
     // The engine's own paths, without the virtual forwarding.
     uint32_t EnterBody(CONXScriptExecContext* context, const TSCRIPTSTMTLIST& statements);

@@ -83,8 +83,8 @@ struct alignas(64) TSCRIPTTOKEN {
     uint8_t typeCode = 0;  // identifiers that name a data type
     bool literalDone = false;
     bool isSelf = false;   // whether the identifier is the name of the function in selfScope
-    // For a binary operator: whether the rest of the expression holds a call
-    // (0 not known yet, 1 no, 2 yes).
+    // For a binary operator: whether the rest of the expression holds a call;
+    // for a "(": whether its argument list does (0 not known yet, 1 no, 2 yes).
     uint8_t restCall = 0;
     bool noFast = false;  // an expression starting here is not numbers only
     // Last name look-up: in which scope, found what.

@@ -7,6 +7,7 @@ CONXNumToStrFunc::CONXNumToStrFunc(const TSCRIPTSYSFUNCENV& env, const char* nam
                                    const char* format32u, const char* format32s,
                                    const char* format64u, const char* format64s)
     : CONXScriptSysFunc(name, env.output, env.outputContext) {
+    m_readsArgumentsOnly = true;
     const char* formats[4] = {format32u, format32s, format64u, format64s};
     for (int f = 0; f < 4; f++) {
         size_t i = 0;

@@ -19,6 +19,7 @@ public:
     CONXStrToNumFunc(const TSCRIPTSYSFUNCENV& env, const char* name, const char* format,
                      uint32_t resultType)
         : CONXScriptSysFunc(name, env.output, env.outputContext), m_resultType(resultType) {
+        m_readsArgumentsOnly = true;
         size_t i = 0;
         for (; format && format[i] && i + 1 < sizeof m_format; i++) m_format[i] = format[i];
         m_format[i] = '\0';

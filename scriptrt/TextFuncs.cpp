@@ -13,7 +13,9 @@ const char* const kPrintFormats[] = {nullptr, "%u", nullptr, "%d", "%I64u", "%I6
 // --- print ---
 
 CONXPrintFunc::CONXPrintFunc(const TSCRIPTSYSFUNCENV& env)
-    : CONXScriptSysFunc("print", env.output, env.outputContext) {}
+    : CONXScriptSysFunc("print", env.output, env.outputContext) {
+    m_readsArgumentsOnly = true;
+}
 
 bool CONXPrintFunc::CheckArgumentCount(size_t count) { return true; }
 
@@ -48,7 +50,9 @@ uint32_t CONXPrintFunc::Execute(CONXScriptRunContext* runContext, CONXScriptFunc
 // --- strlen(s) ---
 
 CONXStrlenFunc::CONXStrlenFunc(const TSCRIPTSYSFUNCENV& env)
-    : CONXScriptSysFunc("strlen", env.output, env.outputContext) {}
+    : CONXScriptSysFunc("strlen", env.output, env.outputContext) {
+    m_readsArgumentsOnly = true;
+}
 
 bool CONXStrlenFunc::CheckArgumentCount(size_t count) { return count == 1; }
 
@@ -63,7 +67,9 @@ uint32_t CONXStrlenFunc::Execute(CONXScriptRunContext* runContext, CONXScriptFun
 // --- substr(s, start [, length]) ---
 
 CONXSubStrFunc::CONXSubStrFunc(const TSCRIPTSYSFUNCENV& env)
-    : CONXScriptSysFunc("substr", env.output, env.outputContext) {}
+    : CONXScriptSysFunc("substr", env.output, env.outputContext) {
+    m_readsArgumentsOnly = true;
+}
 
 bool CONXSubStrFunc::CheckArgumentCount(size_t count) { return count == 2 || count == 3; }
 
@@ -83,7 +89,9 @@ uint32_t CONXSubStrFunc::Execute(CONXScriptRunContext* runContext, CONXScriptFun
 // --- instr(s, searched [, start]) ---
 
 CONXInstrFunc::CONXInstrFunc(const TSCRIPTSYSFUNCENV& env)
-    : CONXScriptSysFunc("instr", env.output, env.outputContext) {}
+    : CONXScriptSysFunc("instr", env.output, env.outputContext) {
+    m_readsArgumentsOnly = true;
+}
 
 bool CONXInstrFunc::CheckArgumentCount(size_t count) { return count == 2 || count == 3; }
 
@@ -106,7 +114,9 @@ uint32_t CONXInstrFunc::Execute(CONXScriptRunContext* runContext, CONXScriptFunc
 // --- ascii(s) ---
 
 CONXASCIIFunc::CONXASCIIFunc(const TSCRIPTSYSFUNCENV& env)
-    : CONXScriptSysFunc("ascii", env.output, env.outputContext) {}
+    : CONXScriptSysFunc("ascii", env.output, env.outputContext) {
+    m_readsArgumentsOnly = true;
+}
 
 bool CONXASCIIFunc::CheckArgumentCount(size_t count) { return count == 1; }
 
@@ -122,7 +132,9 @@ uint32_t CONXASCIIFunc::Execute(CONXScriptRunContext* runContext, CONXScriptFunc
 // --- chr(n) ---
 
 CONXChrFunc::CONXChrFunc(const TSCRIPTSYSFUNCENV& env)
-    : CONXScriptSysFunc("chr", env.output, env.outputContext) {}
+    : CONXScriptSysFunc("chr", env.output, env.outputContext) {
+    m_readsArgumentsOnly = true;
+}
 
 bool CONXChrFunc::CheckArgumentCount(size_t count) { return count == 1; }
 
