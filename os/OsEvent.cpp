@@ -14,16 +14,11 @@ void COsEvent::Reset() {
     m_set = false;
 }
 
-bool COsEvent::IsSet() {
-    std::lock_guard<std::mutex> lock(m_mutex);
-    return m_set;
-}
-
 bool COsEvent::Wait(uint32_t timeoutMs) {
     std::unique_lock<std::mutex> lock(m_mutex);
     if (timeoutMs == 0xFFFFFFFFu) {
-        m_cond.wait(lock, [this] { return m_set; });
+        m_cond.wait(lock, [this] { return m_set.load(); });
         return true;
     }
-    return m_cond.wait_for(lock, std::chrono::milliseconds(timeoutMs), [this] { return m_set; });
+    return m_cond.wait_for(lock, std::chrono::milliseconds(timeoutMs), [this] { return m_set.load(); });
 }

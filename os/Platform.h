@@ -7,6 +7,7 @@
 // scripts and job files written for Windows run on Linux unchanged.
 #pragma once
 
+#include <atomic>
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
@@ -46,14 +47,15 @@ class COsEvent {
 public:
     void Set();
     void Reset();
-    bool IsSet();
+    // A plain atomic load: the script loop asks it every round.
+    bool IsSet() const { return m_set.load(std::memory_order_acquire); }
     // Waits up to timeoutMs (0xFFFFFFFF = forever); true when the event is set.
     bool Wait(uint32_t timeoutMs);
 
 private:
     std::mutex m_mutex;
     std::condition_variable m_cond;
-    bool m_set = false;
+    std::atomic<bool> m_set{false};  // written under m_mutex, read without it
 };
 
 // A thread with a chosen stack size (the script worker runs on 64 KiB).
