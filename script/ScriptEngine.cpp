@@ -161,7 +161,8 @@ uint32_t CONXScriptFunc::ExecStatement(CONXScriptExecContext* context, uint64_t 
             if ((err = block->EnterBody(context, block->m_statements))) return err;
         }
     }
-    return ExecSimple(context, t);  // its first token is read already
+    // Its first token is read already.
+    return g_ScriptFastPath ? ScriptRunSimpleStatement(context, this, t) : ExecSimple(context, t);
 }
 
 uint32_t CONXScriptFunc::ExecuteSimpleStatement(CONXScriptExecContext* context) {

@@ -86,6 +86,10 @@ public:
         void operator()(TSCRIPTFASTPROGRAM* p) const;
     };
     std::vector<std::unique_ptr<TSCRIPTFASTPROGRAM, TFREEPROGRAM>> fastPrograms;
+    struct TFREEPLAN {
+        void operator()(TSCRIPTPLAN* p) const;
+    };
+    std::vector<std::unique_ptr<TSCRIPTPLAN, TFREEPLAN>> plans;
 };
 
 // Nothing is unwound on an error: the first error ends the run, and the run's
@@ -142,6 +146,16 @@ inline bool ScriptFastValue(CONXScriptExecContext* context, CONXScriptFunc* scop
     if (!g_ScriptFastPath || first->noFast) return false;
     return ScriptFastValueAt(context, scope, first, type, value);
 }
+
+// The token after the numbers-only expression at first (translating it if it
+// was not yet), or null when the expression is not one.
+TSCRIPTTOKEN* ScriptFastExpressionEnd(CONXScriptExecContext* context, CONXScriptFunc* scope,
+                                      TSCRIPTTOKEN* first);
+
+// Runs the simple statement whose first token t was just read at its offset
+// through its plan, made on its first run; ExecSimple when it has none.
+uint32_t ScriptRunSimpleStatement(CONXScriptExecContext* context, CONXScriptFunc* scope,
+                                  TSCRIPTTOKEN* t);
 
 // Evaluates a call: the cursor stands after the function's name.
 uint32_t ScriptCallFunction(CONXScriptExecContext* context, CONXScriptFunc* scope,

@@ -302,6 +302,14 @@ bool ScriptFastEvaluateAt(CONXScriptExecContext* context, CONXScriptFunc* scope,
     return true;
 }
 
+TSCRIPTTOKEN* ScriptFastExpressionEnd(CONXScriptExecContext* context, CONXScriptFunc* scope,
+                                      TSCRIPTTOKEN* first) {
+    if (!g_ScriptFastPath || first->noFast) return nullptr;
+    TSCRIPTFASTPROGRAM* program = first->fastProgram;
+    if (!program || program->scope != scope) program = Translate(context, scope, first);
+    return program ? program->end : nullptr;
+}
+
 bool ScriptFastValueAt(CONXScriptExecContext* context, CONXScriptFunc* scope, TSCRIPTTOKEN* first,
                        uint32_t* type, uint64_t* value) {
     return Run(context, scope, first, SCRIPT_TYPE_NONE, type, value);

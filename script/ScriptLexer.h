@@ -15,6 +15,7 @@
 class CONXScriptObject;
 class CONXScriptVariable;
 struct TSCRIPTFASTPROGRAM;
+struct TSCRIPTPLAN;
 
 // Token kinds.
 enum : uint32_t {
@@ -94,6 +95,9 @@ struct alignas(64) TSCRIPTTOKEN {
     CONXScriptVariable* literalValue = nullptr;
     const void* selfScope = nullptr;
     TSCRIPTFASTPROGRAM* fastProgram = nullptr;  // numbers-only expression starting here
+    // The plan of the simple statement starting here, made for planScope (null: none).
+    const void* planScope = nullptr;
+    TSCRIPTPLAN* plan = nullptr;
     uint32_t literalError = 0;
     std::string text;
 };

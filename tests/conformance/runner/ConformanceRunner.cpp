@@ -6,6 +6,10 @@
 // Each script gets every built-in, the simulated device and its
 // own folder as base directory.
 //
+// With --reading-only the engine's shortcuts (numbers-only programs and
+// statement plans) are off, so every script also checks the plain reading
+// evaluation against the same expectations.
+//
 // With --program PROGRAM each script is run as "PROGRAM SCRIPT" instead (dcsrun):
 // its standard output must be the expected output and its exit status the
 // Script Processor's result for the expected code (0, or 21 for a failure).
@@ -21,6 +25,7 @@
 #endif
 
 #include "host/sim/SimDevice.h"
+#include "script/ScriptExec.h"
 #include "script/ScriptRun.h"
 #include "scriptrt/SysFuncTable.h"
 
@@ -121,13 +126,18 @@ bool RunProgram(const std::string& program, const std::string& script, std::stri
 
 int main(int argc, char** argv) {
     std::string program;
+    if (argc == 3 && std::string(argv[1]) == "--reading-only") {
+        g_ScriptFastPath = false;
+        argv++;
+        argc--;
+    }
     if (argc == 4 && std::string(argv[1]) == "--program") {
         program = argv[2];
         argv += 2;
         argc -= 2;
     }
     if (argc != 2) {
-        fprintf(stderr, "usage: conformance_runner [--program PROGRAM] FOLDER\n");
+        fprintf(stderr, "usage: conformance_runner [--reading-only | --program PROGRAM] FOLDER\n");
         return 2;
     }
     std::vector<fs::path> scripts;
