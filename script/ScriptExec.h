@@ -147,10 +147,16 @@ inline bool ScriptFastValue(CONXScriptExecContext* context, CONXScriptFunc* scop
     return ScriptFastValueAt(context, scope, first, type, value);
 }
 
-// The token after the numbers-only expression at first (translating it if it
-// was not yet), or null when the expression is not one.
-TSCRIPTTOKEN* ScriptFastExpressionEnd(CONXScriptExecContext* context, CONXScriptFunc* scope,
+// The numbers-only program of the expression at first in scope (translated
+// if it was not yet), or null when the expression is not one. Plans keep it.
+TSCRIPTFASTPROGRAM* ScriptFastProgram(CONXScriptExecContext* context, CONXScriptFunc* scope,
                                       TSCRIPTTOKEN* first);
+TSCRIPTTOKEN* ScriptFastProgramEnd(const TSCRIPTFASTPROGRAM* program);  // the token after it
+// Run a kept program as ScriptFastEvaluate and ScriptFastValue do.
+bool ScriptFastRunInto(CONXScriptExecContext* context, const TSCRIPTFASTPROGRAM* program,
+                       CONXScriptVariable* result);
+bool ScriptFastRunValue(CONXScriptExecContext* context, const TSCRIPTFASTPROGRAM* program,
+                        uint32_t* type, uint64_t* value);
 
 // Runs the simple statement whose first token t was just read at its offset
 // through its plan, made on its first run; ExecSimple when it has none.

@@ -26,13 +26,19 @@ inline uint64_t Normalise(uint32_t type, uint64_t v) {
 enum EFASTRESULT { FAST_OK, FAST_RETRY, FAST_NEVER };
 enum : uint8_t { OP_CONST, OP_VAR, OP_CONVERT, OP_UNARY, OP_BINARY };
 
+// Types are fixed when the program is made: a variable step keeps the type its
+// variable had then (a run that finds another type takes the long way), so each
+// operator's routine and result type are chosen once. Only the outermost
+// operator depends on the result's type, when that is given.
 struct TFASTOP {
     uint8_t code;
     int8_t row;
     bool top;                    // the expression's outermost operator: takes the result's type
-    uint32_t type;               // OP_CONST, OP_CONVERT
+    uint8_t ltype = 0, rtype = 0;  // OP_UNARY, OP_BINARY: operand types (the unary one in ltype)
+    uint32_t type;               // the step's value type
     uint64_t value;              // OP_CONST
     CONXScriptObject* object;    // OP_VAR: a declaration or a variable
+    TSCRIPTROUTINE routine = nullptr;  // OP_UNARY, OP_BINARY: for the types above
 };
 
 const size_t kMaxDepth = 32;  // values waiting at one time; deeper ones take the long way
@@ -43,6 +49,7 @@ struct TSCRIPTFASTPROGRAM {
     const void* scope;
     std::vector<TFASTOP> ops;
     TSCRIPTTOKEN* end;    // the token after the expression
+    uint32_t type;        // the value's type when the result is untyped
     bool topIsOperator;   // the outermost step is an operator, which takes the result's type
     bool pair;            // just "leaf operator leaf": run without the loop
 };
@@ -60,7 +67,14 @@ struct TCOMPILE {
 
 inline void Emit(TCOMPILE* c, uint8_t code, int8_t row, uint32_t type, uint64_t value,
                  CONXScriptObject* object, bool top = false) {
-    c->program->ops.push_back({code, row, top, type, value, object});
+    TFASTOP op = {};
+    op.code = code;
+    op.row = row;
+    op.top = top;
+    op.type = type;
+    op.value = value;
+    op.object = object;
+    c->program->ops.push_back(op);
 }
 inline void Pushed(TCOMPILE* c) {
     if (++c->depth > c->maxDepth) c->maxDepth = c->depth;
@@ -99,11 +113,11 @@ EFASTRESULT Compile(TCOMPILE* c, bool top) {
     case SCRIPT_TOK_IDENT: {
         CONXScriptObject* o = ScriptResolveName(c->scope, t);
         if (o && o->KindTag() == SCRIPT_OBJ_VARIABLE) {
-            if (!ScriptTypeIsNumeric(static_cast<CONXScriptVariable*>(o)->Resolved()->Type()))
-                return FAST_NEVER;
+            uint32_t type = static_cast<CONXScriptVariable*>(o)->Resolved()->Type();
+            if (!ScriptTypeIsNumeric(type)) return FAST_NEVER;
             // The declaration when there is one: its variable changes with every body entry.
             CONXScriptObject* found = t->cacheScope == c->scope ? t->cacheObject : nullptr;
-            Emit(c, OP_VAR, 0, 0, 0, found ? found : o);
+            Emit(c, OP_VAR, 0, type, 0, found ? found : o);
             Pushed(c);
             break;
         }
@@ -149,10 +163,10 @@ struct TPROMOTE {
 };
 constexpr TPROMOTE kPromote;
 
-// Reads a constant or variable step; false when the variable is not a number now.
-inline bool Leaf(const TFASTOP* op, uint32_t* type, uint64_t* value) {
+// Reads a constant or variable step; false when the variable does not have
+// the step's type now.
+inline bool Leaf(const TFASTOP* op, uint64_t* value) {
     if (op->code == OP_CONST) {
-        *type = op->type;
         *value = op->value;
         return true;
     }
@@ -160,86 +174,104 @@ inline bool Leaf(const TFASTOP* op, uint32_t* type, uint64_t* value) {
     if (o->KindTag() == SCRIPT_OBJ_TEMPLATE) o = static_cast<CONXScriptVarTemplate*>(o)->m_pCurrent;
     if (!o) return false;
     CONXScriptVariable* v = static_cast<CONXScriptVariable*>(o)->Resolved();
-    uint32_t vt = v->Type();
-    if (!ScriptTypeIsNumeric(vt)) return false;
-    *type = vt;
+    if (v->Type() != op->type) return false;
     *value = v->Number();
     return true;
 }
 
-// Runs a program; false when the ordinary evaluation has to do it. Every type
-// on the value stack is a numeric one (1, 3, 4 or 5).
+// The routine and result type of an operator step for a result of resultType.
+inline TSCRIPTROUTINE Routine(const TFASTOP* op, uint32_t resultType, uint32_t* type) {
+    if (!op->top || !resultType) {
+        *type = op->type;
+        return op->routine;
+    }
+    *type = resultType;
+    if (op->code == OP_UNARY)
+        return g_ScriptUnaryRoutines[op->row][kSigned[op->ltype] | (kSigned[resultType] << 1)];
+    return g_ScriptBinaryRoutines[op->row]
+                                 [kSigned[op->ltype] | (kSigned[op->rtype] << 1) | (kSigned[resultType] << 2)];
+}
+
+// Works out each step's types and routine, once, after a successful translation.
+void FixTypes(TSCRIPTFASTPROGRAM* program) {
+    uint32_t types[kMaxDepth] = {};
+    size_t sp = 0;
+    for (TFASTOP& op : program->ops) {
+        switch (op.code) {
+        case OP_CONST:
+        case OP_VAR:
+            types[sp++] = op.type;
+            break;
+        case OP_CONVERT:
+            types[sp - 1] = op.type;
+            break;
+        case OP_UNARY:
+            op.ltype = (uint8_t)types[sp - 1];
+            op.type = op.ltype;
+            op.routine = g_ScriptUnaryRoutines[op.row][kSigned[op.ltype] | (kSigned[op.type] << 1)];
+            break;
+        default: {  // OP_BINARY
+            sp--;
+            op.ltype = (uint8_t)types[sp - 1];
+            op.rtype = (uint8_t)types[sp];
+            bool shift = op.row == SCRIPT_ROW_SHL || op.row == SCRIPT_ROW_SHR;
+            op.type = shift ? op.ltype : kPromote.t[op.ltype][op.rtype];
+            op.routine = g_ScriptBinaryRoutines[op.row][kSigned[op.ltype] | (kSigned[op.rtype] << 1) |
+                                                        (kSigned[op.type] << 2)];
+            types[sp - 1] = op.type;
+            break;
+        }
+        }
+    }
+    program->type = types[0];
+}
+
+// Runs a program; false when the ordinary evaluation has to do it.
 bool Execute(const TSCRIPTFASTPROGRAM* program, uint32_t resultType, uint32_t* type, uint64_t* value) {
     const TFASTOP* op = program->ops.data();
+    uint32_t t;
+    uint64_t v;
     if (program->pair) {
         // The same steps as below, for the most common shape.
-        uint32_t lt, rt;
         uint64_t lv, rv;
-        if (!Leaf(op, &lt, &lv) || !Leaf(op + 1, &rt, &rv)) return false;
-        op += 2;
-        uint32_t t = resultType;  // the operator is the outermost step
-        if (!t) t = (op->row == SCRIPT_ROW_SHL || op->row == SCRIPT_ROW_SHR) ? lt : kPromote.t[lt][rt];
-        int index = kSigned[lt] | (kSigned[rt] << 1) | (kSigned[t] << 2);
-        uint64_t v;
-        if (g_ScriptBinaryRoutines[op->row][index](lv, rv, &v)) return false;
+        if (!Leaf(op, &lv) || !Leaf(op + 1, &rv)) return false;
+        if (Routine(op + 2, resultType, &t)(lv, rv, &v)) return false;
         *type = t;
         *value = Normalise(t, v);
         return true;
     }
-    uint32_t types[kMaxDepth];
     uint64_t values[kMaxDepth];
     size_t sp = 0;
     const TFASTOP* end = op + program->ops.size();
     for (; op != end; op++) {
         switch (op->code) {
         case OP_CONST:
-            types[sp] = op->type;
             values[sp++] = op->value;
             break;
-        case OP_VAR: {
-            CONXScriptObject* o = op->object;
-            if (o->KindTag() == SCRIPT_OBJ_TEMPLATE) o = static_cast<CONXScriptVarTemplate*>(o)->m_pCurrent;
-            if (!o) return false;
-            CONXScriptVariable* v = static_cast<CONXScriptVariable*>(o)->Resolved();
-            uint32_t vt = v->Type();
-            if (!ScriptTypeIsNumeric(vt)) return false;
-            types[sp] = vt;
-            values[sp++] = v->Number();
+        case OP_VAR:
+            if (!Leaf(op, &values[sp])) return false;
+            sp++;
             break;
-        }
         case OP_CONVERT:
-            types[sp - 1] = op->type;
             values[sp - 1] = Normalise(op->type, values[sp - 1]);
             break;
-        case OP_UNARY: {
-            uint32_t restType = types[sp - 1];
-            uint32_t t = (op->top && resultType) ? resultType : restType;
-            int index = kSigned[restType] | (kSigned[t] << 1);
-            uint64_t v;
-            (void)g_ScriptUnaryRoutines[op->row][index](values[sp - 1], 0, &v);
-            types[sp - 1] = t;
+        case OP_UNARY:
+            (void)Routine(op, resultType, &t)(values[sp - 1], 0, &v);
             values[sp - 1] = Normalise(t, v);
             break;
-        }
-        default: {  // OP_BINARY
+        default:  // OP_BINARY
             sp--;
-            uint32_t lt = types[sp - 1], rt = types[sp];
-            uint32_t t = op->top ? resultType : 0;
-            if (!t) t = (op->row == SCRIPT_ROW_SHL || op->row == SCRIPT_ROW_SHR) ? lt : kPromote.t[lt][rt];
-            int index = kSigned[lt] | (kSigned[rt] << 1) | (kSigned[t] << 2);
-            uint64_t v;
-            if (g_ScriptBinaryRoutines[op->row][index](values[sp - 1], values[sp], &v)) return false;
-            types[sp - 1] = t;
+            if (Routine(op, resultType, &t)(values[sp - 1], values[sp], &v)) return false;
             values[sp - 1] = Normalise(t, v);
             break;
-        }
         }
     }
-    *type = types[0];
     *value = values[0];
-    if (!program->topIsOperator && resultType) {
+    if (!resultType) {
+        *type = program->type;
+    } else {
         *type = resultType;
-        *value = Normalise(resultType, *value);
+        if (!program->topIsOperator) *value = Normalise(resultType, *value);
     }
     return true;
 }
@@ -258,6 +290,7 @@ __attribute__((noinline)) TSCRIPTFASTPROGRAM* Translate(CONXScriptExecContext* c
     if (r == FAST_NEVER || (r == FAST_OK && c.maxDepth > kMaxDepth)) first->noFast = true;
     if (r != FAST_OK || first->noFast) return nullptr;
     made->end = c.p;
+    FixTypes(made.get());
     const std::vector<TFASTOP>& ops = made->ops;
     made->pair = ops.size() == 3 && ops[0].code <= OP_VAR && ops[1].code <= OP_VAR &&
                  ops[2].code == OP_BINARY && ops[2].top;
@@ -267,20 +300,31 @@ __attribute__((noinline)) TSCRIPTFASTPROGRAM* Translate(CONXScriptExecContext* c
     return program;
 }
 
+// Runs a program for a result of the given type; on success the cursor is
+// where the ordinary evaluation leaves it: the token after the expression
+// looked at and put back.
+inline bool RunProgram(CONXScriptExecContext* context, const TSCRIPTFASTPROGRAM* program,
+                       uint32_t resultType, uint32_t* type, uint64_t* value) {
+    if (resultType == SCRIPT_TYPE_STRING || !Execute(program, resultType, type, value)) return false;
+    context->tokenStart = program->end->start;
+    context->PutBack(program->end);
+    return true;
+}
+
+inline void Store(CONXScriptVariable* result, uint32_t resultType, uint32_t type, uint64_t value) {
+    if (resultType == SCRIPT_TYPE_NONE) result->SetTypedNumber(type, value);
+    else (void)result->StoreNumber(value, 0);
+}
+
 bool Run(CONXScriptExecContext* context, CONXScriptFunc* scope, TSCRIPTTOKEN* first,
          uint32_t resultType, uint32_t* type, uint64_t* value) {
-    if (!g_ScriptFastPath || first->noFast || resultType == SCRIPT_TYPE_STRING) return false;
+    if (!g_ScriptFastPath || first->noFast) return false;
     TSCRIPTFASTPROGRAM* program = first->fastProgram;
     if (!program || program->scope != scope) {
         program = Translate(context, scope, first);
         if (!program) return false;
     }
-    if (!Execute(program, resultType, type, value)) return false;
-    // Where the ordinary evaluation leaves the cursor: the token after the
-    // expression looked at and put back.
-    context->tokenStart = program->end->start;
-    context->PutBack(program->end);
-    return true;
+    return RunProgram(context, program, resultType, type, value);
 }
 
 }  // namespace
@@ -297,17 +341,32 @@ bool ScriptFastEvaluateAt(CONXScriptExecContext* context, CONXScriptFunc* scope,
     uint32_t type;
     uint64_t value;
     if (!Run(context, scope, first, resultType, &type, &value)) return false;
-    if (resultType == SCRIPT_TYPE_NONE) result->SetTypedNumber(type, value);
-    else (void)result->StoreNumber(value, 0);
+    Store(result, resultType, type, value);
     return true;
 }
 
-TSCRIPTTOKEN* ScriptFastExpressionEnd(CONXScriptExecContext* context, CONXScriptFunc* scope,
+TSCRIPTFASTPROGRAM* ScriptFastProgram(CONXScriptExecContext* context, CONXScriptFunc* scope,
                                       TSCRIPTTOKEN* first) {
     if (!g_ScriptFastPath || first->noFast) return nullptr;
     TSCRIPTFASTPROGRAM* program = first->fastProgram;
-    if (!program || program->scope != scope) program = Translate(context, scope, first);
-    return program ? program->end : nullptr;
+    return program && program->scope == scope ? program : Translate(context, scope, first);
+}
+
+TSCRIPTTOKEN* ScriptFastProgramEnd(const TSCRIPTFASTPROGRAM* program) { return program->end; }
+
+bool ScriptFastRunInto(CONXScriptExecContext* context, const TSCRIPTFASTPROGRAM* program,
+                       CONXScriptVariable* result) {
+    uint32_t resultType = result->Type();
+    uint32_t type;
+    uint64_t value;
+    if (!RunProgram(context, program, resultType, &type, &value)) return false;
+    Store(result, resultType, type, value);
+    return true;
+}
+
+bool ScriptFastRunValue(CONXScriptExecContext* context, const TSCRIPTFASTPROGRAM* program,
+                        uint32_t* type, uint64_t* value) {
+    return RunProgram(context, program, SCRIPT_TYPE_NONE, type, value);
 }
 
 bool ScriptFastValueAt(CONXScriptExecContext* context, CONXScriptFunc* scope, TSCRIPTTOKEN* first,

@@ -33,6 +33,7 @@ struct TPLANNODE {
     const TPLANNODE* left = nullptr;  // BINARY: a VAR, LITERAL or CALL
     const TPLANNODE* rest = nullptr;  // BINARY
     CONXScriptVariable* literal = nullptr;   // LITERAL
+    const TSCRIPTFASTPROGRAM* program = nullptr;  // FAST
     CONXScriptFunc* callee = nullptr;        // CALL
     TSCRIPTTOKEN* close = nullptr;           // CALL: its ")"
     size_t argCount = 0;
@@ -146,9 +147,11 @@ TPLANNODE* MakeExpression(TPLANMAKER* m, TSCRIPTTOKEN* first, bool argument, uin
         if (!EndsRight(first + 1, argument)) return nullptr;
         return MakeLeaf(m, first);
     }
-    if (TSCRIPTTOKEN* end = ScriptFastExpressionEnd(m->context, m->scope, first)) {
+    if (TSCRIPTFASTPROGRAM* program = ScriptFastProgram(m->context, m->scope, first)) {
+        TSCRIPTTOKEN* end = ScriptFastProgramEnd(program);
         if (!EndsRight(end, argument)) return nullptr;
         TPLANNODE* node = &m->plan->nodes.emplace_back();
+        node->program = program;
         node->first = first;
         node->end = end;
         return node;
@@ -254,7 +257,7 @@ uint32_t RunCall(CONXScriptExecContext* c, CONXScriptFunc* scope, const TPLANNOD
             if ((err = PlanEvalRef(c, scope, n->args[i], &v))) return err;
         } else {
             v = c->vars.Push();
-            if (n->params[i]) v->InitFast(n->params[i]);
+            if (n->params[i]) v->InitFrame(n->params[i]);  // found through its declaration, unnamed
             if ((err = PlanEval(c, scope, n->args[i], v))) return err;
         }
         args[i] = v;
@@ -273,11 +276,11 @@ uint32_t RunCall(CONXScriptExecContext* c, CONXScriptFunc* scope, const TPLANNOD
 uint32_t PlanEval(CONXScriptExecContext* c, CONXScriptFunc* scope, const TPLANNODE* n,
                   CONXScriptVariable* result) {
     if (c->StackLow()) return SCRIPT_ERR_OUTOFMEMORY;
+    if (n->kind == PLAN_FAST)
+        return ScriptFastRunInto(c, n->program, result) ? 0 : ReadingEval(c, scope, n, result);
     if (ScriptFastEvaluate(c, scope, n->first, result)) return 0;
     uint32_t err;
     switch (n->kind) {
-    case PLAN_FAST:
-        return ReadingEval(c, scope, n, result);
     case PLAN_VAR:
     case PLAN_LITERAL: {
         CONXScriptVariable* v = LeafValue(scope, n);

@@ -116,9 +116,12 @@ public:
     }
     uint32_t AssignFast(CONXScriptVariable* source);  // Assign, both already resolved
     uint32_t ApplyAssignmentOp(int32_t op, CONXScriptVariable* source) {
-        // A number into a typed number, inline ("+" of one operand is the value).
-        if (op == SCRIPT_OP_ASSIGN && ScriptTypeIsNumeric(m_type) && ScriptTypeIsNumeric(source->m_type))
-            return StoreNumber(source->Number(), 0);
+        // A number into a number or an untyped variable (which takes the number's
+        // type), inline: "+" of one operand is the value.
+        if (op == SCRIPT_OP_ASSIGN && ScriptTypeIsNumeric(source->m_type)) {
+            if (m_type == SCRIPT_TYPE_NONE) m_type = source->m_type;
+            if (ScriptTypeIsNumeric(m_type)) return StoreNumber(source->Number(), 0);
+        }
         return ApplyAssignmentOther(op, source);
     }
     uint32_t ApplyAssignmentOther(int32_t op, CONXScriptVariable* source);
