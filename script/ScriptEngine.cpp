@@ -41,6 +41,8 @@ CONXScriptFunc* StatementObject(CONXScriptFunc* scope, TSCRIPTTOKEN* keyword, ui
 
 // Reads "( condition )" into a numeric value.
 uint32_t Condition(CONXScriptExecContext* context, CONXScriptFunc* scope, uint64_t* value) {
+    TSCRIPTTOKEN* open = context->Upcoming();
+    if (g_ScriptFastPath && open && ScriptPlannedCondition(context, scope, open, value)) return 0;
     uint32_t err;
     if ((err = ExpectPunct(context, '('))) return err;
     TSCRIPTTOKEN* first = context->Upcoming();

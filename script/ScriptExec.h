@@ -163,6 +163,13 @@ bool ScriptFastRunValue(CONXScriptExecContext* context, const TSCRIPTFASTPROGRAM
 uint32_t ScriptRunSimpleStatement(CONXScriptExecContext* context, CONXScriptFunc* scope,
                                   TSCRIPTTOKEN* t);
 
+// Computes the "( condition )" of an if or while through its plan when it is
+// of numbers only, the cursor standing at open and left after the ")" as the
+// reading path leaves it; false (and nothing changed) when the reading path
+// has to do it.
+bool ScriptPlannedCondition(CONXScriptExecContext* context, CONXScriptFunc* scope, TSCRIPTTOKEN* open,
+                            uint64_t* value);
+
 // Evaluates a call: the cursor stands after the function's name.
 uint32_t ScriptCallFunction(CONXScriptExecContext* context, CONXScriptFunc* scope,
                             CONXScriptFunc* callee, CONXScriptVariable* result);

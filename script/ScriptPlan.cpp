@@ -13,6 +13,7 @@
 
 #include "script/ScriptErrors.h"
 #include "script/ScriptExec.h"
+#include "script/ScriptOperators.h"
 
 namespace {
 
@@ -43,12 +44,15 @@ struct TPLANNODE {
 
 }  // namespace
 
+// An assignment statement, or the "( condition )" of an if or while.
 struct TSCRIPTPLAN {
     bool self = false;  // assigns the running function's own value
     int32_t op = -1;
+    int32_t row = -1;   // a compound operator's routine row
     TSCRIPTTOKEN* opToken = nullptr;
     const TPLANNODE* value = nullptr;
     std::deque<TPLANNODE> nodes;
+    const TSCRIPTFASTPROGRAM* condition = nullptr;  // a numbers-only condition
 };
 
 void CONXScriptExecContext::TFREEPLAN::operator()(TSCRIPTPLAN* plan) const { delete plan; }
@@ -191,6 +195,7 @@ TSCRIPTPLAN* MakePlan(CONXScriptExecContext* context, CONXScriptFunc* scope, TSC
     plan->self = ScriptNamesEqual(t->text.c_str(), scope->Name().c_str());
     if (!plan->self && !IsVariableName(Declared(scope, t))) return nullptr;
     plan->op = op->op;
+    if (op->op != SCRIPT_OP_ASSIGN) plan->row = ScriptBinaryRow(op->op);
     plan->opToken = op;
     TPLANMAKER maker = {context, scope, plan.get()};
     plan->value = MakeExpression(&maker, op + 1, false, 0);
@@ -199,7 +204,26 @@ TSCRIPTPLAN* MakePlan(CONXScriptExecContext* context, CONXScriptFunc* scope, TSC
     return context->plans.back().get();
 }
 
+TSCRIPTPLAN* MakeConditionPlan(CONXScriptExecContext* context, CONXScriptFunc* scope,
+                               TSCRIPTTOKEN* open) {
+    if (context->IndexOf(open) < 0 || open->error || !IsPunct(open, '(')) return nullptr;
+    TSCRIPTFASTPROGRAM* program = ScriptFastProgram(context, scope, open + 1);
+    if (!program || !IsPunct(ScriptFastProgramEnd(program), ')')) return nullptr;
+    std::unique_ptr<TSCRIPTPLAN> plan(new TSCRIPTPLAN);
+    plan->condition = program;
+    context->plans.emplace_back(plan.release());
+    return context->plans.back().get();
+}
+
 // ---- running a plan ----
+
+// A compound assignment of two numbers, as ApplyAssignmentOp does it.
+inline uint32_t AssignNumbers(CONXScriptVariable* target, int32_t row, uint32_t type, uint64_t value) {
+    int index = (ScriptTypeIsSigned(target->Type()) ? 5 : 0) | (ScriptTypeIsSigned(type) ? 2 : 0);
+    uint64_t out;
+    if (uint32_t err = g_ScriptBinaryRoutines[row][index](target->Number(), value, &out)) return err;
+    return target->StoreNumber(out, 0);
+}
 
 uint32_t PlanEval(CONXScriptExecContext* c, CONXScriptFunc* scope, const TPLANNODE* n,
                   CONXScriptVariable* result);
@@ -352,11 +376,36 @@ uint32_t ScriptRunSimpleStatement(CONXScriptExecContext* context, CONXScriptFunc
         if (!target) return scope->ExecSimple(context, t);
     }
     context->tokenStart = plan->opToken->start;
+    const TPLANNODE* n = plan->value;
+    uint32_t err;
+    if (n->kind == PLAN_FAST && ScriptTypeIsNumeric(target->Type())) {
+        // A number into a number, without the temporary that would hold it.
+        uint32_t type;
+        uint64_t number;
+        if (ScriptFastRunValue(context, n->program, &type, &number))
+            return plan->row < 0 ? target->StoreNumber(number, 0)
+                                 : AssignNumbers(target, plan->row, type, number);
+    }
     CONXScriptVarStack::TMARK mark = context->vars.Mark();
     CONXScriptVariable* value;
-    uint32_t err;
-    if ((err = PlanEvalRef(context, scope, plan->value, &value))) return err;
-    if ((err = target->ApplyAssignmentOp(plan->op, value))) return err;
+    if ((err = PlanEvalRef(context, scope, n, &value))) return err;
+    if (plan->row >= 0 && ScriptTypeIsNumeric(target->Type()) && ScriptTypeIsNumeric(value->Type()))
+        err = AssignNumbers(target, plan->row, value->Type(), value->Number());
+    else
+        err = target->ApplyAssignmentOp(plan->op, value);
+    if (err) return err;
     context->vars.PopTo(mark);
     return 0;
+}
+
+bool ScriptPlannedCondition(CONXScriptExecContext* context, CONXScriptFunc* scope, TSCRIPTTOKEN* open,
+                            uint64_t* value) {
+    if (open->planScope != scope) {
+        open->plan = MakeConditionPlan(context, scope, open);
+        open->planScope = scope;
+    }
+    uint32_t type;
+    if (!open->plan || !ScriptFastRunValue(context, open->plan->condition, &type, value)) return false;
+    context->Next();  // the ")"
+    return true;
 }
