@@ -77,6 +77,7 @@ public:
     // A built-in that never writes its arguments: a lone variable or literal
     // may be handed to it in place of its by-value copy.
     bool m_readsArgumentsOnly = false;
+    bool m_isBuiltIn = false;  // a system function: its own Execute does the work
 
     // The engine's own paths, without the virtual forwarding.
     uint32_t EnterBody(CONXScriptExecContext* context, const TSCRIPTSTMTLIST& statements);

@@ -287,10 +287,22 @@ uint32_t RunCall(CONXScriptExecContext* c, CONXScriptFunc* scope, const TPLANNOD
         args[i] = v;
     }
     c->tokenStart = n->close->start;
-    TSCRIPTARGS list;
-    list.items = args;
-    list.count = n->argCount;
-    if ((err = n->callee->Execute(c->run, scope, list, result))) return err;
+    CONXScriptFunc* callee = n->callee;
+    if (callee->m_isBuiltIn || callee->m_pDelegate) {
+        TSCRIPTARGS list;
+        list.items = args;
+        list.count = n->argCount;
+        if ((err = callee->Execute(c->run, scope, list, result))) return err;
+    } else {
+        // What Execute does for a user function, its parameters known to be
+        // value declarations matching the arguments.
+        if (c->StackLow()) return SCRIPT_ERR_OUTOFMEMORY;
+        size_t bindMark = c->BindMark();
+        for (size_t i = 0; i < n->argCount; i++) c->Bind(&n->params[i]->m_pCurrent, args[i]);
+        c->Bind(&callee->m_pResult, result);
+        if ((err = callee->EnterBody(c, callee->m_statements))) return err;
+        c->UnbindTo(bindMark);
+    }
     c->PutBack(n->end);
     c->vars.PopTo(mark);
     return 0;

@@ -6,6 +6,7 @@
 CONXScriptSysFunc::CONXScriptSysFunc(const char* name, TSCRIPTOUTPUTFUNC output, void* outputContext)
     : m_output(output), m_outputContext(outputContext) {
     SetName(name);
+    m_isBuiltIn = true;
 }
 
 bool CONXScriptSysFunc::CheckArgumentCount(size_t count) { return true; }
