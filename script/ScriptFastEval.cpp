@@ -226,20 +226,13 @@ void FixTypes(TSCRIPTFASTPROGRAM* program) {
     program->type = types[0];
 }
 
-// Runs a program; false when the ordinary evaluation has to do it.
-bool Execute(const TSCRIPTFASTPROGRAM* program, uint32_t resultType, uint32_t* type, uint64_t* value) {
+// Runs a program of more than one operator; false when the ordinary
+// evaluation has to do it. Kept apart so that the common pair stays small.
+__attribute__((noinline)) bool ExecuteSteps(const TSCRIPTFASTPROGRAM* program, uint32_t resultType,
+                                            uint32_t* type, uint64_t* value) {
     const TFASTOP* op = program->ops.data();
     uint32_t t;
     uint64_t v;
-    if (program->pair) {
-        // The same steps as below, for the most common shape.
-        uint64_t lv, rv;
-        if (!Leaf(op, &lv) || !Leaf(op + 1, &rv)) return false;
-        if (Routine(op + 2, resultType, &t)(lv, rv, &v)) return false;
-        *type = t;
-        *value = Normalise(t, v);
-        return true;
-    }
     uint64_t values[kMaxDepth];
     size_t sp = 0;
     const TFASTOP* end = op + program->ops.size();
@@ -273,6 +266,21 @@ bool Execute(const TSCRIPTFASTPROGRAM* program, uint32_t resultType, uint32_t* t
         *type = resultType;
         if (!program->topIsOperator) *value = Normalise(resultType, *value);
     }
+    return true;
+}
+
+// Runs a program; false when the ordinary evaluation has to do it.
+inline bool Execute(const TSCRIPTFASTPROGRAM* program, uint32_t resultType, uint32_t* type,
+                    uint64_t* value) {
+    if (!program->pair) return ExecuteSteps(program, resultType, type, value);
+    // The same steps, for the most common shape: leaf operator leaf.
+    const TFASTOP* op = program->ops.data();
+    uint32_t t;
+    uint64_t lv, rv, v;
+    if (!Leaf(op, &lv) || !Leaf(op + 1, &rv)) return false;
+    if (Routine(op + 2, resultType, &t)(lv, rv, &v)) return false;
+    *type = t;
+    *value = Normalise(t, v);
     return true;
 }
 
