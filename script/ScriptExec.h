@@ -90,6 +90,10 @@ public:
         void operator()(TSCRIPTPLAN* p) const;
     };
     std::vector<std::unique_ptr<TSCRIPTPLAN, TFREEPLAN>> plans;
+    struct TFREENUMERIC {
+        void operator()(TSCRIPTNUMFUNC* f) const;
+    };
+    std::vector<std::unique_ptr<TSCRIPTNUMFUNC, TFREENUMERIC>> numericFunctions;
 };
 
 // Nothing is unwound on an error: the first error ends the run, and the run's
@@ -169,6 +173,12 @@ uint32_t ScriptRunSimpleStatement(CONXScriptExecContext* context, CONXScriptFunc
 // has to do it.
 bool ScriptPlannedCondition(CONXScriptExecContext* context, CONXScriptFunc* scope, TSCRIPTTOKEN* open,
                             uint64_t* value);
+
+// Runs a call of a user function of numbers only natively, the arguments
+// evaluated and the result fresh; false (with nothing changed) when the
+// function does not qualify or the call has to run the ordinary way.
+bool ScriptRunNumericCall(CONXScriptExecContext* context, CONXScriptFunc* func,
+                          CONXScriptObject* const* arguments, size_t count, CONXScriptVariable* result);
 
 // Evaluates a call: the cursor stands after the function's name.
 uint32_t ScriptCallFunction(CONXScriptExecContext* context, CONXScriptFunc* scope,

@@ -12,6 +12,7 @@
 
 class CONXScriptRunContext;
 class CONXScriptExecContext;
+struct TSCRIPTNUMFUNC;
 
 // The argument objects of one call, in call order (variables or functions).
 struct TSCRIPTARGS {
@@ -78,6 +79,9 @@ public:
     // may be handed to it in place of its by-value copy.
     bool m_readsArgumentsOnly = false;
     bool m_isBuiltIn = false;  // a system function: its own Execute does the work
+    // Its translation as a function of numbers only, made once per run (owner).
+    TSCRIPTNUMFUNC* m_pNumeric = nullptr;
+    const void* m_numericOwner = nullptr;
 
     // The engine's own paths, without the virtual forwarding.
     uint32_t EnterBody(CONXScriptExecContext* context, const TSCRIPTSTMTLIST& statements);

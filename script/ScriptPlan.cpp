@@ -293,7 +293,7 @@ uint32_t RunCall(CONXScriptExecContext* c, CONXScriptFunc* scope, const TPLANNOD
         list.items = args;
         list.count = n->argCount;
         if ((err = callee->Execute(c->run, scope, list, result))) return err;
-    } else {
+    } else if (!ScriptRunNumericCall(c, callee, args, n->argCount, result)) {
         // What Execute does for a user function, its parameters known to be
         // value declarations matching the arguments.
         if (c->StackLow()) return SCRIPT_ERR_OUTOFMEMORY;
