@@ -7,6 +7,7 @@
 
 #include "os/Platform.h"
 #include "script/ScriptErrors.h"
+#include "script/ScriptExec.h"
 #include "script/ScriptFunc.h"
 #include "script/ScriptValue.h"
 #include "ScriptTestRun.h"
@@ -113,6 +114,51 @@ TEST(ScriptEngine, StopRequestEndsALoop) {
     EXPECT_NE(r.output.find("during executing\n"), std::string::npos);
     // The next run resets the event.
     EXPECT_EQ(ScriptTestRun("print(1);", &context).code, 0u);
+}
+
+TEST(ScriptEngine, StopRequestEndsALoopInsideAFunctionOfNumbers) {
+    // Such a call runs natively first; the stop must end it all the same, and
+    // the diagnostic points into the loop as an ordinary run would: at the
+    // "while" (offset 24, where its read begins) or after "n += 1".
+    CONXScriptRunContext context;
+    context.m_sysFuncFactories.push_back(ScriptRuntimeFactory);
+    std::thread stopper([&context] {
+        OsSleep(50);
+        context.RequestStop();
+    });
+    TSCRIPTTESTRUN r = ScriptTestRun(
+        "func spin(var int32 n) {\n  while (1) {\n    n += 1;\n  }\n  spin = n;\n}\nvar int32 x;\nx = "
+        "spin(0);",
+        &context);
+    stopper.join();
+    EXPECT_EQ(r.code, SCRIPT_ERR_ABORTED);
+    EXPECT_EQ(r.output.rfind("Processing aborted near line ", 0), 0u) << r.output;
+    EXPECT_TRUE(r.output.find("(offset 24)") != std::string::npos ||
+                r.output.find("line 3/") != std::string::npos)
+        << r.output;
+}
+
+TEST(ScriptEngine, StepBudgetCountsTheSameWithAndWithoutShortcuts) {
+    // Around the exact budget the run needs, every budget must end alike with
+    // the shortcuts (plans, functions of numbers run natively) and without.
+    const char* text =
+        "func count(var int32 n) { var int32 i; while (i < n) { i += 1; } count = i; }\n"
+        "func fib(var int32 n) { var int32 r; if (n < 2) { r = n; } else { r = fib(n - 1) + fib(n - 2); "
+        "} fib = r; }\n"
+        "var int32 x; x = count(20) + fib(6); print(x);";
+    for (uint64_t budget = 120; budget <= 200; budget++) {
+        CONXScriptRunContext context;
+        context.m_limits.maxSteps = budget;
+        g_ScriptFastPath = false;
+        TSCRIPTTESTRUN reading = ScriptTestRun(text, &context);
+        g_ScriptFastPath = true;
+        TSCRIPTTESTRUN fast = ScriptTestRun(text, &context);
+        EXPECT_EQ(fast.code, reading.code) << "budget " << budget;
+        EXPECT_EQ(fast.output, reading.output) << "budget " << budget;
+    }
+    CONXScriptRunContext context;
+    context.m_limits.maxSteps = 200;
+    EXPECT_EQ(ScriptTestRun(text, &context).output, "28");
 }
 
 TEST(ScriptEngine, StepBudgetEndsEndlessLoops) {
