@@ -94,6 +94,13 @@ public:
         void operator()(TSCRIPTNUMFUNC* f) const;
     };
     std::vector<std::unique_ptr<TSCRIPTNUMFUNC, TFREENUMERIC>> numericFunctions;
+    // Native runs of functions of numbers only are a speculation. One that ends
+    // in an error, a stop or the end of the stack or budget would end the same
+    // way when run again, so none is tried after it in this run; one that ends
+    // without a value disables the functions it passed through.
+    bool numericOff = false;
+    bool numericNoValue = false;  // set while a native run unwinds from a missing value
+    uint64_t numericStepsUndone = 0;  // steps of native runs taken back (a statistic)
 };
 
 // Nothing is unwound on an error: the first error ends the run, and the run's

@@ -73,6 +73,7 @@ inline uint32_t Promote(uint32_t l, uint32_t r) {
 
 struct TSCRIPTNUMFUNC {
     CONXScriptFunc* func = nullptr;
+    mutable bool disabled = false;  // ended without a value once: runs the ordinary way from then on
     size_t paramCount = 0;
     uint32_t slotCount = 0;
     std::vector<uint32_t> slotTypes;
@@ -448,25 +449,36 @@ bool Run(CONXScriptExecContext* c, const std::vector<const TNUMSTMT*>& list, uin
 }
 
 bool Call(CONXScriptExecContext* c, const TSCRIPTNUMFUNC* f, const uint64_t* args, TNUMRESULT* out) {
+    if (f->disabled) {
+        c->numericNoValue = true;
+        return false;
+    }
     if (c->StackLow()) return false;
     uint64_t slots[kMaxSlots];
     for (size_t i = 0; i < f->slotCount; i++) slots[i] = i < f->paramCount ? args[i] : 0;
     out->type = SCRIPT_TYPE_NONE;
     out->value = 0;
-    // A function that ends without a value is left to the ordinary path.
-    return Run(c, f->body, slots, out) && out->type != SCRIPT_TYPE_NONE;
+    bool ran = Run(c, f->body, slots, out);
+    if (ran && out->type != SCRIPT_TYPE_NONE) return true;
+    // A function that ends without a value is left to the ordinary path, and
+    // so is every function whose native run came through it: trying them
+    // again would meet the same end at every level of a recursion.
+    if (ran) c->numericNoValue = true;
+    if (c->numericNoValue) f->disabled = true;
+    return false;
 }
 
 }  // namespace
 
 bool ScriptRunNumericCall(CONXScriptExecContext* context, CONXScriptFunc* func,
                           CONXScriptObject* const* arguments, size_t count, CONXScriptVariable* result) {
+    if (context->numericOff) return false;
     const TSCRIPTNUMFUNC* f = func->m_numericOwner == context ? func->m_pNumeric : nullptr;
     if (!f && func->m_numericOwner != context) {
         std::vector<TSCRIPTNUMFUNC*> made;
         f = Translate(context, func, &made);
     }
-    if (!f || count != f->paramCount || result->Type() != SCRIPT_TYPE_NONE) return false;
+    if (!f || f->disabled || count != f->paramCount || result->Type() != SCRIPT_TYPE_NONE) return false;
     uint64_t args[kMaxArgs];
     for (size_t i = 0; i < count; i++) {
         CONXScriptVariable* v = static_cast<CONXScriptVariable*>(arguments[i])->Resolved();
@@ -475,8 +487,11 @@ bool ScriptRunNumericCall(CONXScriptExecContext* context, CONXScriptFunc* func,
     }
     uint64_t steps = context->steps;
     TNUMRESULT value;
+    context->numericNoValue = false;
     if (!Call(context, f, args, &value)) {
+        context->numericStepsUndone += context->steps - steps;
         context->steps = steps;
+        if (!context->numericNoValue) context->numericOff = true;
         return false;
     }
     result->SetTypedNumber(value.type, value.value);

@@ -42,6 +42,12 @@ struct TSCRIPTLIMITS {
     uint64_t maxFileBytes = 0;
 };
 
+// Counts of the last run on a context, for tests and benchmarks.
+struct TSCRIPTRUNSTATS {
+    uint64_t steps = 0;        // statements, loop rounds and calls executed
+    uint64_t stepsUndone = 0;  // steps of speculative native runs that were taken back
+};
+
 // What a built-in is constructed with at the start of each run.
 struct TSCRIPTSYSFUNCENV {
     TSCRIPTOUTPUTFUNC output;
@@ -74,6 +80,7 @@ public:
     CONXOperatorPrompt_0* m_pOperator = nullptr;
     // The run in progress on this context (null between runs); for the engine.
     CONXScriptExecContext* m_pExec = nullptr;
+    TSCRIPTRUNSTATS m_stats;
 
 private:
     COsEvent* m_pStopEvent;

@@ -139,6 +139,8 @@ uint32_t RunScript(CONXScriptRunContext* context, COndDeviceComm_0* channel, con
             code = SCRIPT_ERR_OUTOFMEMORY;
         }
         tokenStart = exec->tokenStart;
+        context->m_stats.steps = exec->steps;
+        context->m_stats.stepsUndone = exec->numericStepsUndone;
     } catch (const std::bad_alloc&) {
         code = SCRIPT_ERR_OUTOFMEMORY;
     } catch (const std::length_error&) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "os/Platform.h"
+#include "os/StackScale.h"
 #include "script/ScriptErrors.h"
 #include "script/ScriptExec.h"
 #include "script/ScriptFunc.h"
@@ -159,6 +160,47 @@ TEST(ScriptEngine, StepBudgetCountsTheSameWithAndWithoutShortcuts) {
     CONXScriptRunContext context;
     context.m_limits.maxSteps = 200;
     EXPECT_EQ(ScriptTestRun(text, &context).output, "28");
+}
+
+// A native run that fails deep in a recursion must not be tried again at every
+// level on the way back: on a host's large stack that made such a run take
+// time quadratic in its depth. The steps taken back stay in proportion to one
+// attempt (about three per level), not to the square of the depth.
+TEST(ScriptEngine, FailedNativeRunsAreNotRetriedAtEveryLevel) {
+    struct TCASE {
+        const char* text;
+        uint32_t code;
+        const char* output;
+    } cases[] = {
+        // An error at the bottom.
+        {"func f(var int32 n) { var int32 r; if (n > 0) { r = f(n - 1); } else { r = 1 / n; } f = r; }\n"
+         "var int32 x; x = f(1000);",
+         SCRIPT_ERR_DIVZERO, "Division by 0 error"},
+        // A function without a value at the bottom: the ordinary run then fails
+        // with a type error where its untyped value reaches r.
+        {"func none(var int32 n) { var int32 t; t = n; }\n"
+         "func f(var int32 n) { var int32 r; if (n > 0) { r = f(n - 1); } else { r = none(n); } f = r; }\n"
+         "var int32 x; x = f(1000);",
+         SCRIPT_ERR_TYPE, "Type error"},
+    };
+    for (const TCASE& c : cases) {
+        struct TJOB {
+            const char* text;
+            CONXScriptRunContext context;
+            TSCRIPTTESTRUN result;
+        } job;
+        job.text = c.text;
+        COsThread thread;  // a host's thread: room for every level of the ordinary run
+        ASSERT_TRUE(thread.Start((size_t(16) << 20) * kOsStackScale, [](void* p) {
+            TJOB* j = static_cast<TJOB*>(p);
+            j->result = ScriptTestRun(j->text, &j->context);
+        }, &job));
+        thread.Join();
+        EXPECT_EQ(job.result.code, c.code) << c.text;
+        EXPECT_EQ(job.result.output.rfind(c.output, 0), 0u) << job.result.output;
+        EXPECT_GT(job.context.m_stats.stepsUndone, 1000u) << c.text;  // one attempt went down
+        EXPECT_LT(job.context.m_stats.stepsUndone, 10000u) << c.text;
+    }
 }
 
 TEST(ScriptEngine, StepBudgetEndsEndlessLoops) {
