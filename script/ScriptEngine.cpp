@@ -148,6 +148,7 @@ uint32_t CONXScriptFunc::ExecStatement(CONXScriptExecContext* context, uint64_t 
     if (t->kind == SCRIPT_TOK_IDENT && t->keyword == SCRIPT_KW_WHILE) {
         CONXScriptFunc* block = StatementObject(this, t, offset, SCRIPT_OBJ_WHILE);
         if (!block) return SCRIPT_ERR_UNKNOWNIDENT;
+        if (g_ScriptFastPath && ScriptRunNumericLoop(context, this, block, offset, &err)) return err;
         uint64_t loop = context->position;
         TSCRIPTTOKEN* loopToken = context->Upcoming();
         for (;;) {

@@ -100,6 +100,7 @@ public:
     // without a value disables the functions it passed through.
     bool numericOff = false;
     bool numericNoValue = false;  // set while a native run unwinds from a missing value
+    bool numericStopped = false;  // set while a native run unwinds from a stop request
     uint64_t numericStepsUndone = 0;  // steps of native runs taken back (a statistic)
 };
 
@@ -186,6 +187,14 @@ bool ScriptPlannedCondition(CONXScriptExecContext* context, CONXScriptFunc* scop
 // function does not qualify or the call has to run the ordinary way.
 bool ScriptRunNumericCall(CONXScriptExecContext* context, CONXScriptFunc* func,
                           CONXScriptObject* const* arguments, size_t count, CONXScriptVariable* result);
+
+// Runs the while statement at offset in scope (block: its "@N" object)
+// natively when it is of numbers only, the cursor standing after its keyword;
+// false (with nothing changed) when the ordinary run has to do it. *code is
+// 0, or 13 for a stop request, seen as the ordinary run sees it: at the start
+// of a round, with the variables as they stand there.
+bool ScriptRunNumericLoop(CONXScriptExecContext* context, CONXScriptFunc* scope, CONXScriptFunc* block,
+                          uint64_t offset, uint32_t* code);
 
 // Evaluates a call: the cursor stands after the function's name.
 uint32_t ScriptCallFunction(CONXScriptExecContext* context, CONXScriptFunc* scope,

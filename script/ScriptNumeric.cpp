@@ -21,6 +21,7 @@
 #include <vector>
 
 #include "os/Platform.h"
+#include "script/ScriptErrors.h"
 #include "script/ScriptExec.h"
 #include "script/ScriptOperators.h"
 
@@ -50,6 +51,12 @@ struct TNUMSTMT {
     int32_t row = -1;  // a compound assignment's routine row
     uint32_t slot = 0, slotType = 0;
     const TNUMNODE* expr = nullptr;  // the value, or the condition
+    // The last token the ordinary run reads of it: the ";" of an assignment,
+    // the ")" of an if's condition, the "{" of a while; and a while's keyword.
+    // The run keeps the token start where the ordinary one would have it, for
+    // the position of a stop request.
+    TSCRIPTTOKEN* last = nullptr;
+    TSCRIPTTOKEN* keyword = nullptr;
     std::vector<const TNUMSTMT*> body, elseBody;
     std::vector<uint32_t> blockSlots;  // declarations of the block, zeroed at each entry
 };
@@ -71,8 +78,18 @@ inline uint32_t Promote(uint32_t l, uint32_t r) {
 
 }  // namespace
 
+// A variable from outside that a loop of numbers only uses: its slot is
+// loaded at the loop's entry and stored back at its end.
+struct TNUMOUTER {
+    CONXScriptObject* object;  // a declaration (its variable of the moment) or a variable
+    uint32_t slot;
+};
+
+// A function of numbers only, or a while loop of numbers only (body: the loop
+// alone, outer: the variables it uses from outside).
 struct TSCRIPTNUMFUNC {
     CONXScriptFunc* func = nullptr;
+    std::vector<TNUMOUTER> outer;
     mutable bool disabled = false;  // ended without a value once: runs the ordinary way from then on
     size_t paramCount = 0;
     uint32_t slotCount = 0;
@@ -93,7 +110,26 @@ struct TNUMMAKER {
     TSCRIPTNUMFUNC* f;
     std::unordered_map<const CONXScriptObject*, uint32_t> slots;  // declaration -> slot
     std::vector<TSCRIPTNUMFUNC*>* made;  // every function of this attempt
+    bool loop;  // a loop: names from outside become outer slots
 };
+
+// The slot of a declaration or variable, or -1. A function has slots for its
+// own declarations only; a loop also for numeric ones from outside.
+int32_t SlotOf(TNUMMAKER* m, CONXScriptObject* o) {
+    auto found = m->slots.find(o);
+    if (found != m->slots.end()) return (int32_t)found->second;
+    if (!m->loop || !o) return -1;
+    uint32_t type;
+    if (o->KindTag() == SCRIPT_OBJ_TEMPLATE) type = static_cast<CONXScriptVarTemplate*>(o)->m_type;
+    else if (o->KindTag() == SCRIPT_OBJ_VARIABLE) type = static_cast<CONXScriptVariable*>(o)->Resolved()->Type();
+    else return -1;
+    if (!ScriptTypeIsNumeric(type) || m->f->slotCount == kMaxSlots) return -1;
+    uint32_t slot = m->f->slotCount++;
+    m->slots[o] = slot;
+    m->f->slotTypes.push_back(type);
+    m->f->outer.push_back({o, slot});
+    return (int32_t)slot;
+}
 
 inline bool IsPunct(const TSCRIPTTOKEN* t, char c) {
     return !t->error && t->kind == SCRIPT_TOK_PUNCT && t->punct == c;
@@ -163,12 +199,12 @@ const TNUMNODE* Expression(TNUMMAKER* m, CONXScriptFunc* scope, TSCRIPTTOKEN* t,
             if (!(node->a = Expression(m, scope, t + 2, &close, depth + 1)) || !IsPunct(close, ')'))
                 return nullptr;
             next = close + 1;
-        } else if (o->KindTag() == SCRIPT_OBJ_TEMPLATE) {
-            auto found = m->slots.find(o);
-            if (found == m->slots.end()) return nullptr;  // not this function's own
+        } else if (o->KindTag() == SCRIPT_OBJ_TEMPLATE || o->KindTag() == SCRIPT_OBJ_VARIABLE) {
+            int32_t slot = SlotOf(m, o);
+            if (slot < 0) return nullptr;  // a function's: not its own
             node->kind = N_SLOT;
-            node->slot = found->second;
-            node->type = m->f->slotTypes[found->second];
+            node->slot = (uint32_t)slot;
+            node->type = m->f->slotTypes[slot];
             next = t + 1;
         } else if (o->KindTag() == SCRIPT_OBJ_FUNCTION) {
             CONXScriptFunc* g = static_cast<CONXScriptFunc*>(o);
@@ -176,7 +212,9 @@ const TNUMNODE* Expression(TNUMMAKER* m, CONXScriptFunc* scope, TSCRIPTTOKEN* t,
             if (g->m_isParameter || g->m_isBuiltIn || g->m_pDelegate || !IsPunct(open, '(') ||
                 open->match < 0)
                 return nullptr;
-            TSCRIPTNUMFUNC* callee = Translate(m->context, g, m->made);
+            // A loop is no function: its callees are translated each on its own.
+            std::vector<TSCRIPTNUMFUNC*> own;
+            TSCRIPTNUMFUNC* callee = Translate(m->context, g, m->loop ? &own : m->made);
             if (!callee) return nullptr;
             node->kind = N_CALL;
             node->callee = callee;
@@ -237,6 +275,8 @@ const TNUMSTMT* Statement(TNUMMAKER* m, CONXScriptFunc* scope, uint64_t offset, 
         if (!(s->expr = Expression(m, scope, open + 1, &close, 0)) || !IsPunct(close, ')')) return nullptr;
         if (!isIf && !IsPunct(close + 1, '{')) return nullptr;
         s->kind = isIf ? S_IF : S_WHILE;
+        s->keyword = t;
+        s->last = isIf ? close : close + 1;
         if (!AddSlots(m, block->m_locals, &s->blockSlots)) return nullptr;
         if (!Statements(m, block, block->m_statements, &s->body, depth + 1)) return nullptr;
         if (isIf && !Statements(m, block, static_cast<CONXScriptIfStatement*>(block)->m_elseStatements,
@@ -255,14 +295,15 @@ const TNUMSTMT* Statement(TNUMMAKER* m, CONXScriptFunc* scope, uint64_t offset, 
         s->kind = S_SELF;
     } else {
         CONXScriptObject* o = t->cacheScope == scope ? t->cacheObject : ScriptLookUpName(scope, t);
-        auto found = o ? m->slots.find(o) : m->slots.end();
-        if (found == m->slots.end()) return nullptr;
+        int32_t slot = SlotOf(m, o);
+        if (slot < 0) return nullptr;
         s->kind = S_ASSIGN;
-        s->slot = found->second;
-        s->slotType = m->f->slotTypes[found->second];
+        s->slot = (uint32_t)slot;
+        s->slotType = m->f->slotTypes[slot];
     }
     TSCRIPTTOKEN* end;
     if (!(s->expr = Expression(m, scope, op + 1, &end, 0)) || !IsPunct(end, ';')) return nullptr;
+    s->last = end;
     return s;
 }
 
@@ -290,7 +331,7 @@ TSCRIPTNUMFUNC* Translate(CONXScriptExecContext* context, CONXScriptFunc* func,
     f->func = func;
     func->m_pNumeric = f;
     made->push_back(f);
-    TNUMMAKER maker{context, f, {}, made};
+    TNUMMAKER maker{context, f, {}, made, false};
     f->paramCount = func->m_params.size();
     bool ok = f->paramCount <= kMaxArgs && AddSlots(&maker, func->m_params, nullptr) &&
               AddSlots(&maker, func->m_locals, nullptr) &&
@@ -298,6 +339,20 @@ TSCRIPTNUMFUNC* Translate(CONXScriptExecContext* context, CONXScriptFunc* func,
     if (ok) return f;
     for (TSCRIPTNUMFUNC* g : *made) g->func->m_pNumeric = nullptr;
     return nullptr;
+}
+
+// The translation of the while statement at offset in scope (its block given),
+// or null when it is not a loop of numbers only.
+TSCRIPTNUMFUNC* TranslateLoop(CONXScriptExecContext* context, CONXScriptFunc* scope, CONXScriptFunc* block,
+                              uint64_t offset) {
+    context->numericFunctions.emplace_back(new TSCRIPTNUMFUNC);
+    TSCRIPTNUMFUNC* f = context->numericFunctions.back().get();
+    f->func = block;
+    TNUMMAKER maker{context, f, {}, nullptr, true};
+    const TNUMSTMT* loop = Statement(&maker, scope, offset, 0);
+    if (!loop || loop->kind != S_WHILE) return nullptr;
+    f->body.push_back(loop);
+    return f;
 }
 
 // ---- running ----
@@ -413,6 +468,28 @@ inline bool Assign(int32_t row, uint32_t target, uint64_t* current, uint32_t typ
 }
 
 bool Run(CONXScriptExecContext* c, const std::vector<const TNUMSTMT*>& list, uint64_t* slots,
+         TNUMRESULT* result);
+
+// The rounds of a while statement: each looks at the stop request and counts a step.
+bool RunWhile(CONXScriptExecContext* c, const TNUMSTMT* s, uint64_t* slots, TNUMRESULT* result) {
+    c->tokenStart = s->keyword->start;
+    for (;;) {
+        if (c->stopEvent && c->stopEvent->IsSet()) {
+            c->numericStopped = true;
+            return false;
+        }
+        if (c->Step()) return false;
+        uint32_t t;
+        uint64_t v;
+        if (!Operand(c, s->expr, slots, &t, &v)) return false;
+        c->tokenStart = s->last->start;
+        if (!v) return true;
+        for (uint32_t slot : s->blockSlots) slots[slot] = 0;
+        if (!Run(c, s->body, slots, result)) return false;
+    }
+}
+
+bool Run(CONXScriptExecContext* c, const std::vector<const TNUMSTMT*>& list, uint64_t* slots,
          TNUMRESULT* result) {
     for (const TNUMSTMT* s : list) {
         if (c->Step()) return false;
@@ -423,25 +500,22 @@ bool Run(CONXScriptExecContext* c, const std::vector<const TNUMSTMT*>& list, uin
             if (!Operand(c, s->expr, slots, &t, &v) ||
                 !Assign(s->row, s->slotType, &slots[s->slot], t, v))
                 return false;
+            c->tokenStart = s->last->start;
             break;
         case S_SELF:
             if (!Operand(c, s->expr, slots, &t, &v)) return false;
             if (!result->type) result->type = t;  // the value takes the first type it is given
             if (!Assign(s->row, result->type, &result->value, t, v)) return false;
+            c->tokenStart = s->last->start;
             break;
         case S_IF:
             if (!Operand(c, s->expr, slots, &t, &v)) return false;
+            c->tokenStart = s->last->start;
             for (uint32_t slot : s->blockSlots) slots[slot] = 0;
             if (!Run(c, v ? s->body : s->elseBody, slots, result)) return false;
             break;
-        default:  // S_WHILE: each round looks at the stop request and counts a step
-            for (;;) {
-                if ((c->stopEvent && c->stopEvent->IsSet()) || c->Step()) return false;
-                if (!Operand(c, s->expr, slots, &t, &v)) return false;
-                if (!v) break;
-                for (uint32_t slot : s->blockSlots) slots[slot] = 0;
-                if (!Run(c, s->body, slots, result)) return false;
-            }
+        default:
+            if (!RunWhile(c, s, slots, result)) return false;
             break;
         }
     }
@@ -488,6 +562,7 @@ bool ScriptRunNumericCall(CONXScriptExecContext* context, CONXScriptFunc* func,
     uint64_t steps = context->steps;
     TNUMRESULT value;
     context->numericNoValue = false;
+    context->numericStopped = false;
     if (!Call(context, f, args, &value)) {
         context->numericStepsUndone += context->steps - steps;
         context->steps = steps;
@@ -495,5 +570,60 @@ bool ScriptRunNumericCall(CONXScriptExecContext* context, CONXScriptFunc* func,
         return false;
     }
     result->SetTypedNumber(value.type, value.value);
+    return true;
+}
+
+bool ScriptRunNumericLoop(CONXScriptExecContext* context, CONXScriptFunc* scope, CONXScriptFunc* block,
+                          uint64_t offset, uint32_t* code) {
+    if (context->numericOff) return false;
+    if (block->m_numericOwner != context) {
+        block->m_numericOwner = context;
+        block->m_pNumeric = TranslateLoop(context, scope, block, offset);
+    }
+    const TSCRIPTNUMFUNC* f = block->m_pNumeric;
+    if (!f) return false;
+    // The variables from outside, as they are now: each of the type it had
+    // when the loop was translated, and no two the same.
+    uint64_t slots[kMaxSlots];
+    CONXScriptVariable* bound[kMaxSlots];
+    size_t count = f->outer.size();
+    for (size_t i = 0; i < count; i++) {
+        CONXScriptObject* o = f->outer[i].object;
+        if (o->KindTag() == SCRIPT_OBJ_TEMPLATE) o = static_cast<CONXScriptVarTemplate*>(o)->m_pCurrent;
+        if (!o || o->KindTag() != SCRIPT_OBJ_VARIABLE) return false;
+        CONXScriptVariable* v = static_cast<CONXScriptVariable*>(o)->Resolved();
+        uint32_t slot = f->outer[i].slot;
+        if (v->Type() != f->slotTypes[slot]) return false;
+        for (size_t k = 0; k < i; k++)
+            if (bound[k] == v) return false;
+        bound[i] = v;
+        slots[slot] = v->Number();
+    }
+    const TNUMSTMT* loop = f->body[0];
+    uint64_t steps = context->steps;
+    uint64_t tokenStart = context->tokenStart;
+    context->numericNoValue = false;
+    context->numericStopped = false;
+    TNUMRESULT unused = {SCRIPT_TYPE_NONE, 0};
+    bool done = RunWhile(context, loop, slots, &unused);
+    if (!done && !context->numericStopped) {
+        // Not a word of it happened: the ordinary run does it all again.
+        context->numericStepsUndone += context->steps - steps;
+        context->steps = steps;
+        context->tokenStart = tokenStart;
+        if (!context->numericNoValue) context->numericOff = true;
+        return false;
+    }
+    // Done, or stopped at the start of a round: the variables stand as the
+    // ordinary run would leave them there.
+    for (size_t i = 0; i < count; i++) (void)bound[i]->StoreNumber(slots[f->outer[i].slot], 0);
+    if (!done) {
+        *code = SCRIPT_ERR_ABORTED;
+        return true;
+    }
+    // The cursor after the last round's "{", as the ordinary run leaves it.
+    context->PutBack(loop->last);
+    context->Next();
+    *code = 0;
     return true;
 }

@@ -139,27 +139,75 @@ TEST(ScriptEngine, StopRequestEndsALoopInsideAFunctionOfNumbers) {
         << r.output;
 }
 
+// A loop of numbers only runs natively on copies of the variables it uses.
+// What the host can read afterwards must be what the ordinary run leaves.
+TEST(ScriptEngine, LoopsOfNumbersLeaveTheirVariablesAsTheOrdinaryRunDoes) {
+    CONXScriptRunContext context;
+    context.m_sysFuncFactories.push_back(ScriptRuntimeFactory);
+    CONXScriptVariable counter;
+    counter.SetName("counter");
+    ASSERT_EQ(counter.SetNumber(0, SCRIPT_TYPE_INT64), 0u);
+    std::vector<CONXScriptVariable*> externals = {&counter};
+    std::string out;
+    // A stop request: the progress up to the round where it is seen stays.
+    std::thread stopper([&context] {
+        OsSleep(50);
+        context.RequestStop();
+    });
+    const char* endless = "while (1) {\n  counter += 1;\n}";
+    uint32_t code = RunScript(&context, nullptr, endless, "", &externals, nullptr, nullptr,
+                              ScriptTestCollect, &out, nullptr);
+    stopper.join();
+    EXPECT_EQ(code, SCRIPT_ERR_ABORTED);
+    EXPECT_GT(counter.GetNumber(), 0u);
+    // Seen at the first round (the "while") or after a round's "counter += 1;".
+    EXPECT_TRUE(out.find("(offset 0)") != std::string::npos ||
+                out.find("line 2/column 15 (offset 26)") != std::string::npos)
+        << out;
+    // An error: the rounds before it are done, none after.
+    ASSERT_EQ(counter.SetNumber(0, SCRIPT_TYPE_INT64), 0u);
+    out.clear();
+    code = RunScript(&context, nullptr,
+                     "var int64 q; while (counter < 10) { counter += 1; if (counter == 4) { q = 1 / 0; } }",
+                     "", &externals, nullptr, nullptr, ScriptTestCollect, &out, nullptr);
+    EXPECT_EQ(code, SCRIPT_ERR_DIVZERO);
+    EXPECT_EQ(counter.GetNumber(), 4u);
+    // Done: the value goes back with the variable's own type.
+    counter.SetType(SCRIPT_TYPE_UINT32);
+    ASSERT_EQ(counter.SetNumber(0xFFFFFFFEu, 0), 0u);
+    EXPECT_EQ(RunScript(&context, nullptr, "var int32 i; while (i < 3) { counter += 1; i += 1; }", "",
+                        &externals, nullptr, nullptr, ScriptTestCollect, &out, nullptr),
+              0u);
+    EXPECT_EQ(counter.GetType(), (uint32_t)SCRIPT_TYPE_UINT32);
+    EXPECT_EQ(counter.GetNumber(), 1u);
+}
+
 TEST(ScriptEngine, StepBudgetCountsTheSameWithAndWithoutShortcuts) {
     // Around the exact budget the run needs, every budget must end alike with
-    // the shortcuts (plans, functions of numbers run natively) and without.
+    // the shortcuts (plans, functions and loops of numbers run natively) and
+    // without.
     const char* text =
         "func count(var int32 n) { var int32 i; while (i < n) { i += 1; } count = i; }\n"
         "func fib(var int32 n) { var int32 r; if (n < 2) { r = n; } else { r = fib(n - 1) + fib(n - 2); "
         "} fib = r; }\n"
-        "var int32 x; x = count(20) + fib(6); print(x);";
-    for (uint64_t budget = 120; budget <= 200; budget++) {
+        "var int32 x; var int32 k; while (k < 7) { if (k & 1) { x += fib(k); } k += 1; }\n"
+        "x = count(20) + fib(6) + x; print(x);";
+    CONXScriptRunContext unlimited;
+    ASSERT_EQ(ScriptTestRun(text, &unlimited).output, "36");
+    uint64_t needed = unlimited.m_stats.steps;
+    for (uint64_t budget = needed - 80; budget <= needed + 1; budget++) {
         CONXScriptRunContext context;
         context.m_limits.maxSteps = budget;
         g_ScriptFastPath = false;
         TSCRIPTTESTRUN reading = ScriptTestRun(text, &context);
+        uint64_t readingSteps = context.m_stats.steps;
         g_ScriptFastPath = true;
         TSCRIPTTESTRUN fast = ScriptTestRun(text, &context);
         EXPECT_EQ(fast.code, reading.code) << "budget " << budget;
         EXPECT_EQ(fast.output, reading.output) << "budget " << budget;
+        EXPECT_EQ(context.m_stats.steps, readingSteps) << "budget " << budget;
+        EXPECT_EQ(reading.code, budget < needed ? SCRIPT_ERR_ABORTED : 0u) << "budget " << budget;
     }
-    CONXScriptRunContext context;
-    context.m_limits.maxSteps = 200;
-    EXPECT_EQ(ScriptTestRun(text, &context).output, "28");
 }
 
 // A native run that fails deep in a recursion must not be tried again at every
