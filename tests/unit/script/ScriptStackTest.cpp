@@ -13,16 +13,23 @@ namespace {
 
 struct TJOB {
     std::string text;
+    uint32_t reserve;
     TSCRIPTTESTRUN result;
 };
 
-TSCRIPTTESTRUN RunOnWorkerStack(const std::string& text) {
+// reserve: the stack kept free for the error path; a small one leaves the
+// code between two checks no slack to hide in.
+TSCRIPTTESTRUN RunOnWorkerStack(const std::string& text, size_t stack = 65536,
+                                uint32_t reserve = TSCRIPTLIMITS().stackReserveBytes) {
     TJOB job;
     job.text = text;
+    job.reserve = reserve;
     COsThread thread;
-    EXPECT_TRUE(thread.Start(65536 * kOsStackScale, [](void* p) {
+    EXPECT_TRUE(thread.Start(stack * kOsStackScale, [](void* p) {
         TJOB* j = static_cast<TJOB*>(p);
-        j->result = ScriptTestRun(j->text);
+        CONXScriptRunContext context;
+        context.m_limits.stackReserveBytes = j->reserve;
+        j->result = ScriptTestRun(j->text, &context);
     }, &job));
     thread.Join();
     return job.result;
@@ -44,6 +51,19 @@ void ExpectOutOfStack(const TSCRIPTTESTRUN& r, const char* phase) {
 
 TEST(ScriptStack, EndlessRecursionEndsTheRun) {
     ExpectOutOfStack(RunOnWorkerStack("func f(var int64 n) { f = f(n + 1); }\nvar int64 x;\nx = f(0);"),
+                     "executing");
+}
+
+TEST(ScriptStack, RecursionOfNumbersWithDeepExpressions) {
+    // Such functions run natively once translated (here at the top of a host's
+    // large stack); their expressions and blocks nest deep between two calls
+    // and must watch the stack themselves.
+    ExpectOutOfStack(RunOnWorkerStack("func f(var int64 n) { f = f(n " + Repeat("-", 190) +
+                                      " 1); }\nvar int64 x;\nx = f(0);", 1 << 20, 256),
+                     "executing");
+    ExpectOutOfStack(RunOnWorkerStack("func f(var int64 n) { var int64 r; " + Repeat("if (1) { ", 190) +
+                                      "r = f(n);" + Repeat(" }", 190) + " f = r; }\nvar int64 x;\nx = f(0);",
+                                      1 << 20, 256),
                      "executing");
 }
 
