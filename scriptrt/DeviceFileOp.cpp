@@ -27,7 +27,6 @@ void CONXFileOp::BeginProgress(TPROGRESS* progress, CONXScriptRunContext* runCon
     progress->self = this;
     progress->stopEvent = runContext ? runContext->GetStopEvent() : nullptr;
     progress->steps = kProgressSteps;
-    progress->aborted = false;
     progress->line = namePart;
     if (!namePart.empty()) progress->line += ' ';
     progress->barOffset = progress->line.size();
@@ -42,11 +41,10 @@ int32_t CONXFileOp::Progress(void* context, uint32_t stepsDone) {
         progress->self->Output("\r");
         progress->self->Output(progress->line.c_str());
     }
-    if (progress->stopEvent && progress->stopEvent->IsSet()) {
-        progress->aborted = true;
-        return 1;
-    }
-    return 0;
+    // A stop request asks the channel to abort; the code it then returns is
+    // a transfer failure like any other (with ignoreFailure the script goes on
+    // and the engine sees the stop at its next loop round).
+    return progress->stopEvent && progress->stopEvent->IsSet() ? 1 : 0;
 }
 
 std::string CONXFileOp::ErrorText(int32_t code) {
@@ -70,9 +68,4 @@ uint32_t CONXFileOp::CheckTransferArguments(const TSCRIPTARGS& arguments, bool* 
         if (!ScriptTypeIsNumeric(static_cast<CONXScriptVariable*>(arguments[i])->GetType()))
             return SCRIPT_ERR_TYPE;
     return 0;
-}
-
-uint32_t CONXFileOp::FailureCode(const TPROGRESS& progress, bool ignoreFailure) {
-    if (progress.aborted) return SCRIPT_ERR_ABORTED;
-    return ignoreFailure ? 0 : SCRIPT_ERR_SYSFUNC;
 }

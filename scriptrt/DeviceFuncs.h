@@ -53,7 +53,6 @@ protected:
         uint32_t steps;
         std::string line;   // [name part + " "] + bar
         size_t barOffset;   // where the bar starts in line
-        bool aborted;       // the callback asked the channel to abort
     };
     void BeginProgress(TPROGRESS* progress, CONXScriptRunContext* runContext,
                        const std::string& namePart);
@@ -68,9 +67,6 @@ protected:
     static std::string NamePart(const std::string& path);
     // Argument checks shared by transmitfile and transmitfilefromstring.
     static uint32_t CheckTransferArguments(const TSCRIPTARGS& arguments, bool* ignoreFailure);
-    // What a failed transfer ends the call with: 13 when a stop request cut
-    // it short (the run ends even with ignoreFailure), else 12 or 0.
-    static uint32_t FailureCode(const TPROGRESS& progress, bool ignoreFailure);
 
     COndDeviceComm_0* m_pChannel;
 };

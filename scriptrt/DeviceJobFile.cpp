@@ -46,7 +46,6 @@ uint32_t CONXExecuteJobFile::Execute(CONXScriptRunContext* runContext, CONXScrip
 
         int32_t firstFailure = 0;
         bool failed = false;
-        bool aborted = false;
         for (const TFILEENTRY& entry : entries) {
             TPROGRESS progress;
             BeginProgress(&progress, runContext, NamePart(entry.path));
@@ -62,7 +61,6 @@ uint32_t CONXExecuteJobFile::Execute(CONXScriptRunContext* runContext, CONXScrip
                                                                  entry.fileType, entry.fileMode,
                                                                  Progress, &progress, 1, kProgressSteps)
                                       : -1;
-            aborted = progress.aborted;
             if (code == 0) {
                 Output(" -> OK\n");
             } else {
@@ -74,13 +72,11 @@ uint32_t CONXExecuteJobFile::Execute(CONXScriptRunContext* runContext, CONXScrip
                 if (!failed) firstFailure = code;
                 failed = true;
             }
-            if (aborted) break;  // a stop request ends the job, continueAfterError or not
             if (failed && !continueAfterError) break;
         }
         if (result) {
             if (uint32_t err = result->SetNumber((uint32_t)firstFailure, SCRIPT_TYPE_UINT32)) return err;
         }
-        if (aborted) return SCRIPT_ERR_ABORTED;
         if (failed && !ignoreFailure) return SCRIPT_ERR_SYSFUNC;
         return 0;
     } catch (...) {

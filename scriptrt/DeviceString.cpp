@@ -9,8 +9,9 @@
 
 namespace {
 
-// Large reads: a device that has buffered megabytes is drained in few calls.
-constexpr uint32_t kReceiveChunk = 64u << 10;
+// Each read asks the channel for this much; the string grows geometrically,
+// so draining a device that buffered megabytes stays linear.
+constexpr uint32_t kReceiveChunk = 1024;
 // After the first read the device gets this long to send the rest of its answer.
 constexpr uint32_t kReceiveSettleMs = 20;
 

@@ -42,13 +42,13 @@ uint32_t CONXTransmitFile::Execute(CONXScriptRunContext* runContext, CONXScriptF
         }
         if (code == 0) {
             Output(" -> OK\n");
-            return progress.aborted ? SCRIPT_ERR_ABORTED : 0;
+            return 0;
         }
         if (m_output) {
             std::string line = "\n" + ErrorText(code) + " during TransmitFile (" + name + ")\n";
             Output(line.c_str());
         }
-        return FailureCode(progress, ignoreFailure);
+        return ignoreFailure ? 0 : SCRIPT_ERR_SYSFUNC;
     } catch (...) {
         return SCRIPT_ERR_OUTOFMEMORY;  // nothing leaves a built-in
     }
@@ -85,14 +85,14 @@ uint32_t CONXTransmitFileFromString::Execute(CONXScriptRunContext* runContext,
         }
         if (code == 0) {
             Output(" -> OK\n");
-            return progress.aborted ? SCRIPT_ERR_ABORTED : 0;
+            return 0;
         }
         if (m_output) {
             // Deliberately unlike the other two failure lines: no name, no parenthesis.
             std::string line = "\n" + ErrorText(code) + " during TransmitFileFromString\n";
             Output(line.c_str());
         }
-        return FailureCode(progress, ignoreFailure);
+        return ignoreFailure ? 0 : SCRIPT_ERR_SYSFUNC;
     } catch (...) {
         return SCRIPT_ERR_OUTOFMEMORY;  // nothing leaves a built-in
     }

@@ -115,17 +115,31 @@ TEST_F(BuiltinExecuteJobFile, ArgumentChecks) {
     EXPECT_EQ(m_device.CallCount("TransmitFile"), 0u);
 }
 
-TEST_F(BuiltinExecuteJobFile, StopRequestEndsTheJobEvenWithContinueAndIgnore) {
+TEST_F(BuiltinExecuteJobFile, StopRequestFailsEveryEntryItReaches) {
+    // An aborted transfer is a failure like any other: without continueAfterError
+    // the job stops there; with it every later entry is aborted at once.
+    std::string aborted = "\n-> Transfer aborted during ExecuteJobFile (jobs.dcj)\n";
+    auto entry = [&](const char* name) {
+        return "\r" + std::string(name) + " " + std::string(40, '.') + BuiltinIoProgress(name, false, 0) + aborted;
+    };
+    {
+        CONXScriptRunContext context;
+        CStopAtStepDevice device(&context, 0);
+        TBUILTINIORUN run = BuiltinIoRun("executejobfile(\"jobs.dcj\");", &device, m_folder.Base(), nullptr,
+                                         nullptr, &context);
+        EXPECT_EQ(run.code, SCRIPT_ERR_SYSFUNC);
+        EXPECT_TRUE(BuiltinIoEndsWithError(run.output, entry("a.bin").size(), "System function failed"))
+            << run.output;
+        EXPECT_EQ(device.transfers, 1);
+    }
     CONXScriptRunContext context;
     CStopAtStepDevice device(&context, 0);
-    TBUILTINIORUN run = BuiltinIoRun("executejobfile(\"jobs.dcj\", 1, 1); print(\"not here\");", &device,
+    TBUILTINIORUN run = BuiltinIoRun("var dword r; r = executejobfile(\"jobs.dcj\", 1, 1); print(r);", &device,
                                      m_folder.Base(), nullptr, nullptr, &context);
-    EXPECT_EQ(run.code, SCRIPT_ERR_ABORTED);
-    std::string own = "\ra.bin " + std::string(40, '.') + BuiltinIoProgress("a.bin", false, 0) +
-                      "\n-> Transfer aborted during ExecuteJobFile (jobs.dcj)\n";
-    EXPECT_EQ(run.output.substr(0, own.size()), own);
-    EXPECT_TRUE(BuiltinIoEndsWithError(run.output, own.size(), "Processing aborted")) << run.output;
-    EXPECT_EQ(device.transfers, 1);
+    EXPECT_EQ(run.code, 0u);
+    EXPECT_EQ(run.output, entry("a.bin") + entry("b.bin") + entry("c.bin") +
+                              std::to_string((uint32_t)SIMDEV_ERR_ABORTED));
+    EXPECT_EQ(device.transfers, 3);
 }
 
 TEST_F(BuiltinExecuteJobFile, OutsideTheFileRootNothingIsRead) {
