@@ -59,12 +59,9 @@ uint32_t RunSubScript(const TSUBSCRIPTCALL& call) {
     CONXDeviceClient::SplitFileName(fullPath, &folder, nullptr);
     if (uint32_t err = ReadScriptFile(fullPath, &text)) return err;
 
-    std::vector<CONXScriptVariable*> functionArguments;
-    for (size_t i = call.firstFunctionArgument; i < call.arguments->size(); i++) {
-        CONXScriptObject* a = (*call.arguments)[i];
-        if (a->GetObjectKind() != SCRIPT_OBJ_VARIABLE) return SCRIPT_ERR_TYPE;
-        functionArguments.push_back(static_cast<CONXScriptVariable*>(a));
-    }
+    std::vector<CONXScriptVariable*> functionArguments;  // checked to be variables by the caller
+    for (size_t i = call.firstFunctionArgument; i < call.arguments->size(); i++)
+        functionArguments.push_back(static_cast<CONXScriptVariable*>((*call.arguments)[i]));
 
     COsEvent* stop = caller ? caller->GetStopEvent() : nullptr;
     // The run resets the shared event when it starts: a stop requested before
@@ -141,8 +138,8 @@ bool CONXExecuteSubScriptFunc::CheckArgumentCount(size_t count) { return count >
 uint32_t CONXExecuteSubScriptFunc::Execute(CONXScriptRunContext* runContext, CONXScriptFunc* symbols,
                                            const TSCRIPTARGS& arguments, CONXScriptVariable* result) {
     if (!CheckArgumentCount(arguments.size())) return SCRIPT_ERR_PARAMCOUNT;
-    for (size_t i = 0; i < 2; i++)
-        if (arguments[i]->GetObjectKind() != SCRIPT_OBJ_VARIABLE) return SCRIPT_ERR_TYPE;
+    // Every argument must be a variable, the handed-on ones too, before anything is read.
+    if (!AllArgumentsOfKind(arguments, SCRIPT_OBJ_VARIABLE)) return SCRIPT_ERR_TYPE;
     TSCRIPTARGS firstTwo = {arguments.items, 2};
     if (uint32_t err = ScriptCheckArguments(firstTwo, "ss")) return err;
     try {

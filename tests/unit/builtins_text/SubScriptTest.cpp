@@ -96,6 +96,7 @@ TEST_F(BuiltinSubScript, ArgumentChecks) {
     EXPECT_EQ(Run("executesubscriptfunc(&print, \"f\");").code, SCRIPT_ERR_TYPE);
     Write("lib.dcs", "func f(var int32 a) { f = a; }");
     EXPECT_EQ(Run("executesubscriptfunc(\"lib.dcs\", \"f\", &print);").code, SCRIPT_ERR_TYPE);
+    EXPECT_EQ(Run("executesubscriptfunc(\"missing.dcs\", \"f\", &print);").code, SCRIPT_ERR_TYPE);  // before the file
 }
 
 TEST_F(BuiltinSubScript, SharesFactoriesLimitsAndVariablesStayApart) {
