@@ -1,6 +1,7 @@
 // The file transfers' common part: file names, progress line, error text.
 #include <string>
 
+#include "frame/DeviceClient.h"
 #include "frame/OndDeviceComm.h"
 #include "os/Platform.h"
 #include "script/ScriptErrors.h"
@@ -18,17 +19,19 @@ std::string CONXFileOp::LocalPath(CONXScriptRunContext* runContext, const std::s
 }
 
 std::string CONXFileOp::NamePart(const std::string& path) {
-    size_t slash = path.find_last_of('\\');
-    return slash == std::string::npos ? path : path.substr(slash + 1);
+    // The path utilities' split: a backslash at index 0 is no separator, and
+    // a path ending in a backslash has an empty name part.
+    std::string name;
+    CONXDeviceClient::SplitFileName(path, nullptr, &name);
+    return name;
 }
 
 void CONXFileOp::BeginProgress(TPROGRESS* progress, CONXScriptRunContext* runContext,
-                               const std::string& namePart) {
+                               const std::string* namePart) {
     progress->self = this;
     progress->stopEvent = runContext ? runContext->GetStopEvent() : nullptr;
     progress->steps = kProgressSteps;
-    progress->line = namePart;
-    if (!namePart.empty()) progress->line += ' ';
+    progress->line = namePart ? *namePart + ' ' : std::string();
     progress->barOffset = progress->line.size();
     progress->line.append(kProgressSteps, '.');
 }

@@ -54,8 +54,9 @@ protected:
         std::string line;   // [name part + " "] + bar
         size_t barOffset;   // where the bar starts in line
     };
+    // namePart null: the bar alone; otherwise the name part and one blank before it.
     void BeginProgress(TPROGRESS* progress, CONXScriptRunContext* runContext,
-                       const std::string& namePart);
+                       const std::string* namePart);
     static int32_t Progress(void* context, uint32_t stepsDone);
 
     // The local path for a script's file name (see FileNames.h); a name that
@@ -63,7 +64,7 @@ protected:
     static std::string LocalPath(CONXScriptRunContext* runContext, const std::string& name);
     // The channel's text for a transfer's error code.
     std::string ErrorText(int32_t code);
-    // The name part of a path (after the last backslash).
+    // The name part of a path: what follows its last backslash.
     static std::string NamePart(const std::string& path);
     // Argument checks shared by transmitfile and transmitfilefromstring.
     static uint32_t CheckTransferArguments(const TSCRIPTARGS& arguments, bool* ignoreFailure);

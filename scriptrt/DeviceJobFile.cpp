@@ -48,7 +48,8 @@ uint32_t CONXExecuteJobFile::Execute(CONXScriptRunContext* runContext, CONXScrip
         bool failed = false;
         for (const TFILEENTRY& entry : entries) {
             TPROGRESS progress;
-            BeginProgress(&progress, runContext, NamePart(entry.path));
+            std::string name = NamePart(entry.path);
+            BeginProgress(&progress, runContext, &name);
             if (m_output) {
                 Output("\r");
                 Output(progress.line.c_str());

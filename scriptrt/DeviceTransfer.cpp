@@ -32,7 +32,7 @@ uint32_t CONXTransmitFile::Execute(CONXScriptRunContext* runContext, CONXScriptF
 
         TPROGRESS progress;
         std::string name = NamePart(file);
-        BeginProgress(&progress, runContext, name);
+        BeginProgress(&progress, runContext, &name);
         std::string path = LocalPath(runContext, file);
         int32_t code = m_pChannel ? m_pChannel->TransmitFile(path.c_str(), fileId, fileType, fileMode,
                                                              Progress, &progress, 1, kProgressSteps)
@@ -71,7 +71,7 @@ uint32_t CONXTransmitFileFromString::Execute(CONXScriptRunContext* runContext,
         uint32_t fileMode = (uint32_t)Arg(arguments, 3)->GetNumber();
 
         TPROGRESS progress;
-        BeginProgress(&progress, runContext, std::string());
+        BeginProgress(&progress, runContext, nullptr);
         if (m_output) {
             Output("\r");
             Output(progress.line.c_str());

@@ -101,6 +101,17 @@ TEST(BuiltinTransmitFile, FailureLineAndIgnoreFailure) {
         << run.output;
 }
 
+TEST(BuiltinTransmitFile, NamePartAsThePathsAreSplit) {
+    // A backslash at the very start separates nothing; a trailing one leaves
+    // an empty name part.
+    CSimDevice device;
+    const char* missing = "\nLocal file cannot be opened or read during TransmitFile (";
+    TBUILTINIORUN run = BuiltinIoRun("transmitfile(\"\\\\x.rbf\", 1, 2, 0, 1);", &device, "Z:\\nowhere");
+    EXPECT_EQ(run.output, std::string(missing) + "\\x.rbf)\n");
+    run = BuiltinIoRun("transmitfile(\"sub\\\\\", 1, 2, 0, 1);", &device, "Z:\\nowhere");
+    EXPECT_EQ(run.output, std::string(missing) + ")\n");
+}
+
 TEST(BuiltinTransmitFile, ArgumentChecksInOrder) {
     CSimDevice device;
     const char* cases[][2] = {
