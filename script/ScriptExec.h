@@ -94,10 +94,10 @@ public:
         void operator()(TSCRIPTNUMFUNC* f) const;
     };
     std::vector<std::unique_ptr<TSCRIPTNUMFUNC, TFREENUMERIC>> numericFunctions;
-    // Native runs of functions of numbers only are a speculation. One that ends
-    // in an error, a stop or the end of the stack or budget would end the same
-    // way when run again, so none is tried after it in this run; one that ends
-    // without a value disables the functions it passed through.
+    // Native runs of functions and loops of numbers only are a speculation.
+    // One that ends in an error, a stop or the end of the stack or budget
+    // would end the same way when run again, so none is tried after it in this
+    // run; one that ends without a value disables the functions it passed through.
     bool numericOff = false;
     bool numericNoValue = false;  // set while a native run unwinds from a missing value
     bool numericStopped = false;  // set while a native run unwinds from a stop request
