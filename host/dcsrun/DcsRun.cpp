@@ -50,6 +50,8 @@ void RunJob(void* argument) {
     job->result = job->processor->ExecuteScriptFile(job->path, WriteOutput, nullptr);
 }
 
+void StopScript(void* processor) { static_cast<CONXScriptProcessor*>(processor)->StopScript(); }
+
 const char* ResultText(EONX_ERR_ERRCODE_ result) {
     switch (result) {
     case EONX_ERR_EMPTYPATH: return "empty script path";
@@ -129,13 +131,16 @@ int Main(int argc, char** argv) {
         return EONX_ERR_FILEOPEN;
     }
 
+    CONXScriptProcessor processor;
+    DcsStopOnInterrupt(StopScript, &processor);  // before any thread starts
+    struct TDISARM {
+        ~TDISARM() { DcsStopOnInterrupt(nullptr, nullptr); }  // before the processor goes
+    } disarm;
     int exitCode = 0;
     std::unique_ptr<CSimDevice> sim;
     std::unique_ptr<CSerialChannel> serial;
     COndDeviceComm_0* device = OpenDevice(options, &sim, &serial, &exitCode);
     if (!device) return exitCode;
-
-    CONXScriptProcessor processor;
     processor.Connect(device);
     CConsolePrompt prompt(options.batch);
     processor.SetOperatorPrompt(&prompt);
