@@ -131,16 +131,18 @@ int Main(int argc, char** argv) {
         return EONX_ERR_FILEOPEN;
     }
 
-    CONXScriptProcessor processor;
-    DcsStopOnInterrupt(StopScript, &processor);  // before any thread starts
-    struct TDISARM {
-        ~TDISARM() { DcsStopOnInterrupt(nullptr, nullptr); }  // before the processor goes
-    } disarm;
     int exitCode = 0;
     std::unique_ptr<CSimDevice> sim;
     std::unique_ptr<CSerialChannel> serial;
     COndDeviceComm_0* device = OpenDevice(options, &sim, &serial, &exitCode);
     if (!device) return exitCode;
+
+    // The device outlives the processor, as a host's channel outlives its clients.
+    CONXScriptProcessor processor;
+    DcsStopOnInterrupt(StopScript, &processor);  // before the script thread starts
+    struct TDISARM {
+        ~TDISARM() { DcsStopOnInterrupt(nullptr, nullptr); }  // before the processor goes
+    } disarm;
     processor.Connect(device);
     CConsolePrompt prompt(options.batch);
     processor.SetOperatorPrompt(&prompt);
