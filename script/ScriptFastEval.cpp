@@ -15,14 +15,6 @@
 
 namespace {
 
-inline uint64_t Normalise(uint32_t type, uint64_t v) {
-    switch (type) {
-    case SCRIPT_TYPE_UINT32: return (uint32_t)v;
-    case SCRIPT_TYPE_INT32: return (uint64_t)(int64_t)(int32_t)(uint32_t)v;
-    default: return v;
-    }
-}
-
 enum EFASTRESULT { FAST_OK, FAST_RETRY, FAST_NEVER };
 enum : uint8_t { OP_CONST, OP_VAR, OP_CONVERT, OP_UNARY, OP_BINARY };
 
@@ -146,22 +138,8 @@ EFASTRESULT Compile(TCOMPILE* c, bool top) {
     return FAST_OK;
 }
 
-// Per type code: signedness, and the common type of two operands (the rule of
-// the ordinary path, looked up instead of worked out per operator).
+// Signedness per type code, looked up on the hot path.
 const uint8_t kSigned[6] = {0, 0, 0, 1, 0, 1};
-struct TPROMOTE {
-    uint8_t t[6][6];
-    constexpr TPROMOTE() : t() {
-        for (uint32_t l = 0; l < 6; l++)
-            for (uint32_t r = 0; r < 6; r++) {
-                bool wide = ScriptTypeIs64(l) || ScriptTypeIs64(r);
-                bool isSigned = ScriptTypeIsSigned(l) || ScriptTypeIsSigned(r);
-                t[l][r] = wide ? (isSigned ? SCRIPT_TYPE_INT64 : SCRIPT_TYPE_UINT64)
-                               : (isSigned ? SCRIPT_TYPE_INT32 : SCRIPT_TYPE_UINT32);
-            }
-    }
-};
-constexpr TPROMOTE kPromote;
 
 // Reads a constant or variable step; false when the variable does not have
 // the step's type now.
@@ -214,8 +192,7 @@ void FixTypes(TSCRIPTFASTPROGRAM* program) {
             sp--;
             op.ltype = (uint8_t)types[sp - 1];
             op.rtype = (uint8_t)types[sp];
-            bool shift = op.row == SCRIPT_ROW_SHL || op.row == SCRIPT_ROW_SHR;
-            op.type = shift ? op.ltype : kPromote.t[op.ltype][op.rtype];
+            op.type = ScriptResultType(op.row == SCRIPT_ROW_SHL || op.row == SCRIPT_ROW_SHR, op.ltype, op.rtype);
             op.routine = g_ScriptBinaryRoutines[op.row][kSigned[op.ltype] | (kSigned[op.rtype] << 1) |
                                                         (kSigned[op.type] << 2)];
             types[sp - 1] = op.type;
@@ -246,16 +223,16 @@ __attribute__((noinline)) bool ExecuteSteps(const TSCRIPTFASTPROGRAM* program, u
             sp++;
             break;
         case OP_CONVERT:
-            values[sp - 1] = Normalise(op->type, values[sp - 1]);
+            values[sp - 1] = ScriptNormalise(op->type, values[sp - 1]);
             break;
         case OP_UNARY:
             (void)Routine(op, resultType, &t)(values[sp - 1], 0, &v);
-            values[sp - 1] = Normalise(t, v);
+            values[sp - 1] = ScriptNormalise(t, v);
             break;
         default:  // OP_BINARY
             sp--;
             if (Routine(op, resultType, &t)(values[sp - 1], values[sp], &v)) return false;
-            values[sp - 1] = Normalise(t, v);
+            values[sp - 1] = ScriptNormalise(t, v);
             break;
         }
     }
@@ -264,7 +241,7 @@ __attribute__((noinline)) bool ExecuteSteps(const TSCRIPTFASTPROGRAM* program, u
         *type = program->type;
     } else {
         *type = resultType;
-        if (!program->topIsOperator) *value = Normalise(resultType, *value);
+        if (!program->topIsOperator) *value = ScriptNormalise(resultType, *value);
     }
     return true;
 }
@@ -280,7 +257,7 @@ inline bool Execute(const TSCRIPTFASTPROGRAM* program, uint32_t resultType, uint
     if (!Leaf(op, &lv) || !Leaf(op + 1, &rv)) return false;
     if (Routine(op + 2, resultType, &t)(lv, rv, &v)) return false;
     *type = t;
-    *value = Normalise(t, v);
+    *value = ScriptNormalise(t, v);
     return true;
 }
 

@@ -24,12 +24,6 @@
 namespace {
 
 inline uint32_t Signed(uint32_t type) { return ScriptTypeIsSigned(type) ? 1 : 0; }
-inline uint32_t Promote(uint32_t l, uint32_t r) {
-    bool wide = ScriptTypeIs64(l) || ScriptTypeIs64(r);
-    bool isSigned = ScriptTypeIsSigned(l) || ScriptTypeIsSigned(r);
-    return wide ? (isSigned ? SCRIPT_TYPE_INT64 : SCRIPT_TYPE_UINT64)
-                : (isSigned ? SCRIPT_TYPE_INT32 : SCRIPT_TYPE_UINT32);
-}
 
 struct TNUMRESULT {
     uint32_t type;
@@ -172,7 +166,7 @@ void Type(TNUMNODE* n, uint32_t resultType, TPENDING* pending) {
         Type(a, 0, pending);
         Type(b, 0, pending);
         if (a->to && b->to)
-            natural = (n->row == SCRIPT_ROW_SHL || n->row == SCRIPT_ROW_SHR) ? a->to : Promote(a->to, b->to);
+            natural = ScriptResultType(n->row == SCRIPT_ROW_SHL || n->row == SCRIPT_ROW_SHR, a->to, b->to);
         break;
     }
     if (!natural) {

@@ -79,14 +79,6 @@ struct TSCRIPTNUMFUNC {
     std::deque<TNUMSTMT> statements;
 };
 
-inline uint64_t ScriptNormalise(uint32_t type, uint64_t v) {
-    switch (type) {
-    case SCRIPT_TYPE_UINT32: return (uint32_t)v;
-    case SCRIPT_TYPE_INT32: return (uint64_t)(int64_t)(int32_t)(uint32_t)v;
-    default: return v;
-    }
-}
-
 // The translation of func, made on first use and kept for the run (null when
 // it does not qualify); made collects every function of the attempt.
 TSCRIPTNUMFUNC* ScriptNumTranslate(CONXScriptExecContext* context, CONXScriptFunc* func,

@@ -208,16 +208,8 @@ uint32_t CONXScriptVariable::ApplyBinaryOp(int32_t op, CONXScriptVariable* left,
     }
     if (!ScriptTypeIsNumeric(left->m_type) || !ScriptTypeIsNumeric(right->m_type))
         return SCRIPT_ERR_TYPE;
-    if (m_type == SCRIPT_TYPE_NONE) {
-        if (row == SCRIPT_ROW_SHL || row == SCRIPT_ROW_SHR) {
-            m_type = left->m_type;
-        } else {
-            bool wide = ScriptTypeIs64(left->m_type) || ScriptTypeIs64(right->m_type);
-            bool isSigned = ScriptTypeIsSigned(left->m_type) || ScriptTypeIsSigned(right->m_type);
-            m_type = wide ? (isSigned ? SCRIPT_TYPE_INT64 : SCRIPT_TYPE_UINT64)
-                          : (isSigned ? SCRIPT_TYPE_INT32 : SCRIPT_TYPE_UINT32);
-        }
-    }
+    if (m_type == SCRIPT_TYPE_NONE)
+        m_type = ScriptResultType(row == SCRIPT_ROW_SHL || row == SCRIPT_ROW_SHR, left->m_type, right->m_type);
     int index = (ScriptTypeIsSigned(left->m_type) ? 1 : 0) |
                 (ScriptTypeIsSigned(right->m_type) ? 2 : 0) | (ScriptTypeIsSigned(m_type) ? 4 : 0);
     uint64_t out;

@@ -21,6 +21,22 @@ constexpr bool ScriptTypeIsNumeric(uint32_t t) { return t == 1 || t == 3 || t ==
 constexpr bool ScriptTypeIsSigned(uint32_t t) { return t == 3 || t == 5; }
 constexpr bool ScriptTypeIs64(uint32_t t) { return t == 4 || t == 5; }
 
+// The type of a binary operator's value in a fresh temporary: a shift keeps
+// its left operand's type; any other operator takes the wider of the two
+// widths, signed when either operand is.
+constexpr uint32_t ScriptResultType(bool shift, uint32_t left, uint32_t right) {
+    if (shift) return left;
+    bool wide = ScriptTypeIs64(left) || ScriptTypeIs64(right);
+    bool isSigned = ScriptTypeIsSigned(left) || ScriptTypeIsSigned(right);
+    return wide ? (isSigned ? 5 : 4) : (isSigned ? 3 : 1);
+}
+
+// A 64-bit value as a number of the given type holds it (and Number() gives
+// it back): cut to 32 bits, sign-extended for the signed 32-bit type.
+constexpr uint64_t ScriptNormalise(uint32_t type, uint64_t v) {
+    return type == 1 ? (uint32_t)v : type == 3 ? (uint64_t)(int64_t)(int32_t)(uint32_t)v : v;
+}
+
 // Bytes held by the strings of one run; a run installs it for its thread.
 struct TSCRIPTSTRINGBUDGET {
     uint64_t maxStringBytes;

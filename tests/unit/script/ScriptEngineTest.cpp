@@ -101,13 +101,18 @@ TEST(ScriptEngine, FunctionNameInsideABlockIsACall) {
     EXPECT_EQ(ScriptTestRun("func f() { if (1) { f = 1; } }").code, SCRIPT_ERR_UNEXPECTEDTOKEN);
 }
 
+// A thread that requests a stop of the run on context after ms milliseconds.
+std::thread StopAfter(CONXScriptRunContext* context, uint32_t ms) {
+    return std::thread([context, ms] {
+        OsSleep(ms);
+        context->RequestStop();
+    });
+}
+
 TEST(ScriptEngine, StopRequestEndsALoop) {
     CONXScriptRunContext context;
     context.m_sysFuncFactories.push_back(ScriptRuntimeFactory);
-    std::thread stopper([&context] {
-        OsSleep(50);
-        context.RequestStop();
-    });
+    std::thread stopper = StopAfter(&context, 50);
     TSCRIPTTESTRUN r = ScriptTestRun("while (1) { }", &context);
     stopper.join();
     EXPECT_EQ(r.code, SCRIPT_ERR_ABORTED);
@@ -123,10 +128,7 @@ TEST(ScriptEngine, StopRequestEndsALoopInsideAFunctionOfNumbers) {
     // "while" (offset 24, where its read begins) or after "n += 1".
     CONXScriptRunContext context;
     context.m_sysFuncFactories.push_back(ScriptRuntimeFactory);
-    std::thread stopper([&context] {
-        OsSleep(50);
-        context.RequestStop();
-    });
+    std::thread stopper = StopAfter(&context, 50);
     TSCRIPTTESTRUN r = ScriptTestRun(
         "func spin(var int32 n) {\n  while (1) {\n    n += 1;\n  }\n  spin = n;\n}\nvar int32 x;\nx = "
         "spin(0);",
@@ -150,10 +152,7 @@ TEST(ScriptEngine, LoopsOfNumbersLeaveTheirVariablesAsTheOrdinaryRunDoes) {
     std::vector<CONXScriptVariable*> externals = {&counter};
     std::string out;
     // A stop request: the progress up to the round where it is seen stays.
-    std::thread stopper([&context] {
-        OsSleep(50);
-        context.RequestStop();
-    });
+    std::thread stopper = StopAfter(&context, 50);
     const char* endless = "while (1) {\n  counter += 1;\n}";
     uint32_t code = RunScript(&context, nullptr, endless, "", &externals, nullptr, nullptr,
                               ScriptTestCollect, &out, nullptr);
