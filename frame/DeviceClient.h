@@ -94,10 +94,11 @@ public:
     int32_t IsNonModalDialogOpen() override;
     void SetDlgEventData(_TONX_DLGEVENTDATA* data) override;
 
-    // Escaped strings (util/ParseString.cpp).
+    // The shared utilities, for hosts: forwarders to util/ (frame/DeviceClientUtil.cpp).
+    // Escaped strings.
     static std::string ParseString(const char* input, size_t length, char terminator,
                                    size_t* endPos, std::string* errorText, int* ok);
-    // Backslash paths (util/PathUtil.cpp).
+    // Backslash paths.
     static void SplitFileName(const std::string& path, std::string* folder, std::string* file);
     static int ConcatenatePathAndFile(const std::string& folder, const std::string& file,
                                       std::string* result);
@@ -105,7 +106,7 @@ public:
     static void MakeRelativePath(const std::string& baseFolder, const std::string& path,
                                  std::string* result);
     static char toUpperGer(char c);
-    // Job files (util/JobFile.cpp).
+    // Job files.
     static void FillEntry(size_t column, std::string* text, TFILEENTRY* entry,
                           std::string& baseFolder);
     static int LoadJobFile(const char* jobPath, std::vector<TFILEENTRY>* list);

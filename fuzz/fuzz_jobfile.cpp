@@ -18,8 +18,9 @@
 #include <string>
 #include <vector>
 
-#include "frame/DeviceClient.h"
 #include "os/Platform.h"
+#include "util/JobFile.h"
+#include "util/PathUtil.h"
 
 namespace {
 
@@ -59,9 +60,9 @@ const TPaths& Paths() {
 
 bool Resolvable(const std::string& folder, const std::string& path) {
     if (path.find('\0') != std::string::npos) return false;
-    if (CONXDeviceClient::IsAbsolutePath(path)) {
+    if (ondutil::IsAbsolutePath(path)) {
         std::string relative;
-        CONXDeviceClient::MakeRelativePath(folder, path, &relative);
+        ondutil::MakeRelativePath(folder, path, &relative);
         if (relative == path) return true;
     }
     if (!(path.size() > folder.size() && path.compare(0, folder.size(), folder) == 0 &&
@@ -69,7 +70,7 @@ bool Resolvable(const std::string& folder, const std::string& path) {
         return false;
     // Saved as the rest after the backslash, which must read back as relative.
     std::string rest = path.substr(folder.size() + 1);
-    return !CONXDeviceClient::IsAbsolutePath(rest) && rest.find(".\\") == std::string::npos;
+    return !ondutil::IsAbsolutePath(rest) && rest.find(".\\") == std::string::npos;
 }
 
 }  // namespace
@@ -82,10 +83,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     fclose(f);
 
     std::vector<TFILEENTRY> first;
-    Check(CONXDeviceClient::LoadJobFile(p.in.c_str(), &first) == 1);
-    Check(CONXDeviceClient::SaveJobFile(p.out.c_str(), &first) == 1);
+    Check(ondutil::LoadJobFile(p.in.c_str(), &first) == 1);
+    Check(ondutil::SaveJobFile(p.out.c_str(), &first) == 1);
     std::vector<TFILEENTRY> second(3);  // must be cleared
-    Check(CONXDeviceClient::LoadJobFile(p.out.c_str(), &second) == 1);
+    Check(ondutil::LoadJobFile(p.out.c_str(), &second) == 1);
 
     Check(first.size() == second.size());
     for (size_t i = 0; i < first.size(); ++i) {

@@ -1,4 +1,4 @@
-// libFuzzer harness for CONXDeviceClient::ParseString.
+// libFuzzer harness for the escaped-string parser.
 // The bytes are copied into a heap buffer of exactly their size plus the NUL
 // the function may read, and parsed in every caller mode: the Terminal's
 // (terminator 0, the text's length), with a quote terminator, the lexer's
@@ -9,7 +9,8 @@
 #include <cstring>
 #include <string>
 
-#include "frame/DeviceClient.h"
+#include "util/EscapedString.h"
+
 
 namespace {
 
@@ -38,7 +39,7 @@ void Run(const char* text, size_t size, size_t length, char terminator) {
     size_t end = SIZE_MAX - 1;
     std::string error = "x";
     int ok = -1;
-    std::string out = CONXDeviceClient::ParseString(text, length, terminator, &end, &error, &ok);
+    std::string out = ondutil::ParseString(text, length, terminator, &end, &error, &ok);
     Check(ok == 0 || ok == 1);
     // Never beyond the NUL that follows the text.
     Check(end <= size + 1);
@@ -63,7 +64,7 @@ void Run(const char* text, size_t size, size_t length, char terminator) {
         }
     }
     // The same without outputs gives the same bytes.
-    std::string again = CONXDeviceClient::ParseString(text, length, terminator, nullptr, nullptr, nullptr);
+    std::string again = ondutil::ParseString(text, length, terminator, nullptr, nullptr, nullptr);
     Check(again == out);
 }
 

@@ -3,8 +3,8 @@
 
 #include <cstring>
 
-#include "frame/DeviceClient.h"
 #include "script/ScriptErrors.h"
+#include "util/EscapedString.h"
 
 const TSCRIPTOPERATOR g_ScriptOperators[SCRIPT_OP_COUNT] = {
     {"=", 4},  {"+=", 4}, {"-=", 4}, {"*=", 4}, {"/=", 4}, {"%=", 4}, {"&=", 4}, {"|=", 4},
@@ -117,7 +117,7 @@ uint32_t ScanToken(const char* text, uint64_t length, uint64_t pos, TSCRIPTTOKEN
         int ok = 0;
         // The script's length bounds the scan, so an open literal on the last line
         // ends at the end of the text.
-        std::string decoded = CONXDeviceClient::ParseString(s + 1, (size_t)(length - pos - 1), '"',
+        std::string decoded = ondutil::ParseString(s + 1, (size_t)(length - pos - 1), '"',
                                                             &used, nullptr, &ok);
         if (!ok) return t.error = SCRIPT_ERR_STRING;
         t.text.swap(decoded);

@@ -1,13 +1,13 @@
 // The file transfers' common part: file names, progress line, error text.
 #include <string>
 
-#include "frame/DeviceClient.h"
 #include "frame/OndDeviceComm.h"
 #include "os/Platform.h"
 #include "script/ScriptErrors.h"
 #include "script/ScriptValue.h"
 #include "scriptrt/DeviceFuncs.h"
 #include "scriptrt/FileNames.h"
+#include "util/PathUtil.h"
 
 CONXFileOp::CONXFileOp(const char* name, const TSCRIPTSYSFUNCENV& env)
     : CONXScriptSysFunc(name, env.output, env.outputContext), m_pChannel(env.channel) {}
@@ -22,7 +22,7 @@ std::string CONXFileOp::NamePart(const std::string& path) {
     // The path utilities' split: a backslash at index 0 is no separator, and
     // a path ending in a backslash has an empty name part.
     std::string name;
-    CONXDeviceClient::SplitFileName(path, nullptr, &name);
+    ondutil::SplitFileName(path, nullptr, &name);
     return name;
 }
 

@@ -2,12 +2,12 @@
 #include <string>
 #include <vector>
 
-#include "frame/DeviceClient.h"
 #include "frame/OndDeviceComm.h"
 #include "script/ScriptErrors.h"
 #include "script/ScriptValue.h"
 #include "scriptrt/DeviceFuncs.h"
 #include "scriptrt/FileNames.h"
+#include "util/JobFile.h"
 
 CONXExecuteJobFile::CONXExecuteJobFile(const TSCRIPTSYSFUNCENV& env)
     : CONXFileOp("executejobfile", env) {}
@@ -34,7 +34,7 @@ uint32_t CONXExecuteJobFile::Execute(CONXScriptRunContext* runContext, CONXScrip
         std::string path;
         bool allowed = ScriptLocalFilePath(runContext, jobFile, &path);
         std::vector<TFILEENTRY> entries;
-        if (!allowed || !CONXDeviceClient::LoadJobFile(path.c_str(), &entries)) {
+        if (!allowed || !ondutil::LoadJobFile(path.c_str(), &entries)) {
             if (m_output) {
                 std::string line = "Could not load job file (" + path + ")\n";
                 Output(line.c_str());

@@ -3,7 +3,6 @@
 #include <cctype>
 #include <cstring>
 #include <new>
-#include <stdexcept>
 #include <string>
 
 #include "frame/Dialog.h"
@@ -11,6 +10,7 @@
 #include "script/ScriptErrors.h"
 #include "script/ScriptValue.h"
 #include "scriptrt/SysFuncTable.h"
+#include "util/OutOfMemory.h"
 
 namespace {
 
@@ -89,17 +89,11 @@ EONX_ERR_ERRCODE_ CONXScriptProcessor::Call(uint32_t function, uint64_t a, uint6
 EONX_ERR_ERRCODE_ CONXScriptProcessor::ExecuteScript(const char* text, const char* baseDirectory,
                                                      TSCRIPTOUTPUTFUNC output, void* outputContext) {
     if (!m_pDeviceComm) return EONX_ERR_NOCHANNEL;
-    try {
+    return ondutil::CatchAll(EONX_ERR_OUTOFMEMORY, EONX_ERR_SCRIPTFAILED, [&] {
         CChannelLock lock(m_pDeviceComm, this);
         if (!lock.Held()) return EONX_ERR_LOCKED;
         return RunLocked(text, baseDirectory, output, outputContext);
-    } catch (const std::bad_alloc&) {
-        return EONX_ERR_OUTOFMEMORY;
-    } catch (const std::length_error&) {
-        return EONX_ERR_OUTOFMEMORY;
-    } catch (...) {
-        return EONX_ERR_SCRIPTFAILED;
-    }
+    });
 }
 
 EONX_ERR_ERRCODE_ CONXScriptProcessor::RunLocked(const char* text, const char* baseDirectory,
@@ -115,17 +109,11 @@ EONX_ERR_ERRCODE_ CONXScriptProcessor::ExecuteScriptFile(const char* path, TSCRI
                                                          void* outputContext) {
     if (!path || !*path) return EONX_ERR_EMPTYPATH;
     if (!m_pDeviceComm) return EONX_ERR_NOCHANNEL;
-    try {
+    return ondutil::CatchAll(EONX_ERR_OUTOFMEMORY, EONX_ERR_SCRIPTFAILED, [&] {
         CChannelLock lock(m_pDeviceComm, this);
         if (!lock.Held()) return EONX_ERR_LOCKED;
         return LoadAndRun(path, output, outputContext);
-    } catch (const std::bad_alloc&) {
-        return EONX_ERR_OUTOFMEMORY;
-    } catch (const std::length_error&) {
-        return EONX_ERR_OUTOFMEMORY;
-    } catch (...) {
-        return EONX_ERR_SCRIPTFAILED;
-    }
+    });
 }
 
 EONX_ERR_ERRCODE_ CONXScriptProcessor::LoadAndRun(const char* path, TSCRIPTOUTPUTFUNC output,
@@ -139,13 +127,7 @@ EONX_ERR_ERRCODE_ CONXScriptProcessor::LoadAndRun(const char* path, TSCRIPTOUTPU
         if (fseek(file.file, 0, SEEK_END) != 0) return EONX_ERR_FILEREAD;
         long size = ftell(file.file);
         if (size < 0 || fseek(file.file, 0, SEEK_SET) != 0) return EONX_ERR_FILEREAD;
-        try {
-            text.resize((size_t)size);  // the string keeps the terminating NUL
-        } catch (const std::bad_alloc&) {
-            return EONX_ERR_OUTOFMEMORY;
-        } catch (const std::length_error&) {
-            return EONX_ERR_OUTOFMEMORY;
-        }
+        text.resize((size_t)size);  // the string keeps the terminating NUL
         if (size > 0 && fread(&text[0], 1, (size_t)size, file.file) != (size_t)size)
             return EONX_ERR_FILEREAD;
     }

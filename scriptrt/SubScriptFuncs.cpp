@@ -7,12 +7,12 @@
 #include <string>
 #include <vector>
 
-#include "frame/DeviceClient.h"
 #include "os/Platform.h"
 #include "script/ScriptExec.h"
 #include "scriptrt/FileAccess.h"
 #include "scriptrt/FileNames.h"
 #include "scriptrt/SysFuncArgs.h"
+#include "util/PathUtil.h"
 
 namespace {
 
@@ -56,7 +56,7 @@ uint32_t RunSubScript(const TSUBSCRIPTCALL& call) {
     if (!ScriptLocalFilePath(caller, call.file, &path)) return SCRIPT_ERR_SYSFUNC;
     if (!OsFullPathName(path.c_str(), &fullPath) || fullPath.size() > kMaxPath)
         return SCRIPT_ERR_SYSFUNC;
-    CONXDeviceClient::SplitFileName(fullPath, &folder, nullptr);
+    ondutil::SplitFileName(fullPath, &folder, nullptr);
     if (uint32_t err = ReadScriptFile(fullPath, &text)) return err;
 
     std::vector<CONXScriptVariable*> functionArguments;  // checked to be variables by the caller

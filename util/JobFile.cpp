@@ -1,4 +1,4 @@
-// Job files (".dcj") of CONXDeviceClient.
+// Job files (".dcj"): reading and writing lists of local files to copy.
 #include <atomic>
 #include <cstdint>
 #include <cstdio>
@@ -7,9 +7,11 @@
 #include <string>
 #include <vector>
 
-#include "frame/DeviceClient.h"
+#include "util/JobFile.h"
+
 #include "os/Platform.h"
 #include "util/JobFileSeam.h"
+#include "util/PathUtil.h"
 
 namespace {
 
@@ -69,7 +71,7 @@ void ResetEntry(TFILEENTRY* entry, uint8_t fileType) {
 
 std::string JobFolder(const char* jobPath) {
     std::string folder;
-    CONXDeviceClient::SplitFileName(jobPath, &folder, nullptr);
+    ondutil::SplitFileName(jobPath, &folder, nullptr);
     return folder;
 }
 
@@ -88,7 +90,7 @@ void JobFileFailWritesAfter(int64_t bytesBeforeFailure) {
 }
 }  // namespace ondutil
 
-void CONXDeviceClient::FillEntry(size_t column, std::string* text, TFILEENTRY* entry,
+void ondutil::FillEntry(size_t column, std::string* text, TFILEENTRY* entry,
                                  std::string& baseFolder) {
     if (!text || !entry) return;
     try {
@@ -125,7 +127,7 @@ void CONXDeviceClient::FillEntry(size_t column, std::string* text, TFILEENTRY* e
     }
 }
 
-int CONXDeviceClient::LoadJobFile(const char* jobPath, std::vector<TFILEENTRY>* list) {
+int ondutil::LoadJobFile(const char* jobPath, std::vector<TFILEENTRY>* list) {
     if (!jobPath || !list) return 0;
     FILE* f = OsOpenFile(jobPath, "rb");
     if (!f) return 0;
@@ -169,7 +171,7 @@ int CONXDeviceClient::LoadJobFile(const char* jobPath, std::vector<TFILEENTRY>* 
     return 1;
 }
 
-int CONXDeviceClient::SaveJobFile(const char* jobPath, std::vector<TFILEENTRY>* list) {
+int ondutil::SaveJobFile(const char* jobPath, std::vector<TFILEENTRY>* list) {
     if (!jobPath || !list) return 0;
     std::string tempPath;  // set only once this call created the file
     FILE* f = nullptr;

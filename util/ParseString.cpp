@@ -1,9 +1,9 @@
-// CONXDeviceClient::ParseString: the module's escaped-string syntax.
+// The module's escaped-string syntax.
 #include <cstdint>
 #include <cstdio>
 #include <string>
 
-#include "frame/DeviceClient.h"
+#include "util/EscapedString.h"
 
 namespace {
 
@@ -34,7 +34,7 @@ int SingleEscape(unsigned char e) {
 
 }  // namespace
 
-std::string CONXDeviceClient::ParseString(const char* input, size_t length, char terminator,
+std::string ondutil::ParseString(const char* input, size_t length, char terminator,
                                           size_t* endPos, std::string* errorText, int* ok) {
     // The lexer passes the largest size value: no length limit. Then the text's
     // terminating NUL is the end of the text: with a non-zero terminator reading

@@ -1,10 +1,10 @@
-// Backslash path utilities of CONXDeviceClient.
+// Backslash path utilities.
 #include <stdexcept>
 #include <string>
 
-#include "frame/DeviceClient.h"
+#include "util/PathUtil.h"
 
-char CONXDeviceClient::toUpperGer(char c) {
+char ondutil::toUpperGer(char c) {
     const unsigned char u = static_cast<unsigned char>(c);
     if (u >= 'a' && u <= 'z') return static_cast<char>(u - 'a' + 'A');
     switch (u) {
@@ -15,13 +15,13 @@ char CONXDeviceClient::toUpperGer(char c) {
     }
 }
 
-int CONXDeviceClient::IsAbsolutePath(const std::string& path) {
+int ondutil::IsAbsolutePath(const std::string& path) {
     if (path.size() < 2) return 0;
     if (path[0] == '\\' && path[1] == '\\') return 1;
     return path[1] == ':' ? 1 : 0;
 }
 
-void CONXDeviceClient::SplitFileName(const std::string& path, std::string* folder,
+void ondutil::SplitFileName(const std::string& path, std::string* folder,
                                      std::string* file) {
     if (path.empty()) {
         if (folder) folder->clear();
@@ -44,7 +44,7 @@ void CONXDeviceClient::SplitFileName(const std::string& path, std::string* folde
     if (file) *file = std::move(whole);
 }
 
-int CONXDeviceClient::ConcatenatePathAndFile(const std::string& folder, const std::string& file,
+int ondutil::ConcatenatePathAndFile(const std::string& folder, const std::string& file,
                                              std::string* result) {
     if (folder.empty()) {
         *result = file;
@@ -113,7 +113,7 @@ int CONXDeviceClient::ConcatenatePathAndFile(const std::string& folder, const st
     return 1;
 }
 
-void CONXDeviceClient::MakeRelativePath(const std::string& baseFolder, const std::string& path,
+void ondutil::MakeRelativePath(const std::string& baseFolder, const std::string& path,
                                         std::string* result) {
     const size_t shorter = baseFolder.size() < path.size() ? baseFolder.size() : path.size();
     size_t n = 0;

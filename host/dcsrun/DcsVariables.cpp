@@ -6,8 +6,8 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "frame/DeviceClient.h"
 #include "script/ScriptValue.h"
+#include "util/EscapedString.h"
 
 namespace {
 
@@ -103,7 +103,7 @@ bool CDcsVariables::Add(const std::string& setting, std::string* error) {
     if (type == SCRIPT_TYPE_STRING) {
         std::string parseError;
         int ok = 0;
-        std::string bytes = CONXDeviceClient::ParseString(value.c_str(), value.size(), '\0',
+        std::string bytes = ondutil::ParseString(value.c_str(), value.size(), '\0',
                                                           nullptr, &parseError, &ok);
         if (!ok) {
             *error = "--set '" + setting + "': " + parseError;

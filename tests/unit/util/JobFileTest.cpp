@@ -9,11 +9,11 @@
 #include <string>
 #include <vector>
 
-#include "frame/DeviceClient.h"
 #include "os/Platform.h"
+#include "util/JobFile.h"
 #include "util/JobFileSeam.h"
+#include "util/PathUtil.h"
 
-typedef CONXDeviceClient DC;
 namespace fs = std::filesystem;
 
 namespace {
@@ -26,7 +26,7 @@ protected:
         m_native = "ond_util_jobtest_" + std::to_string(stamp) + "_" + std::to_string(++counter);
         ASSERT_TRUE(fs::create_directory(m_native));
         ASSERT_TRUE(OsFullPathName(m_native.c_str(), &m_dir));
-        ASSERT_TRUE(DC::IsAbsolutePath(m_dir)) << m_dir;
+        ASSERT_TRUE(ondutil::IsAbsolutePath(m_dir)) << m_dir;
     }
     void TearDown() override {
         ondutil::JobFileFailWritesAfter(-1);
@@ -58,7 +58,7 @@ protected:
     std::vector<TFILEENTRY> Load(const std::string& content) {
         Write("job.dcj", content);
         std::vector<TFILEENTRY> list;
-        EXPECT_EQ(DC::LoadJobFile(Path("job.dcj").c_str(), &list), 1);
+        EXPECT_EQ(ondutil::LoadJobFile(Path("job.dcj").c_str(), &list), 1);
         return list;
     }
     static TFILEENTRY Entry(const std::string& path, int id, int type, uint32_t mode) {
@@ -92,23 +92,23 @@ TEST(UtilFillEntry, PathColumn) {
     std::string base = "C:\\jobs";
     TFILEENTRY e;
     std::string text = "a.bin";
-    DC::FillEntry(0, &text, &e, base);
+    ondutil::FillEntry(0, &text, &e, base);
     EXPECT_EQ(e.path, "C:\\jobs\\a.bin");
     text = "D:\\x\\..\\y";  // absolute: copied as it stands, no clean-up
-    DC::FillEntry(0, &text, &e, base);
+    ondutil::FillEntry(0, &text, &e, base);
     EXPECT_EQ(e.path, "D:\\x\\..\\y");
     text = "\\\\srv\\f";
-    DC::FillEntry(0, &text, &e, base);
+    ondutil::FillEntry(0, &text, &e, base);
     EXPECT_EQ(e.path, "\\\\srv\\f");
     text = "..\\up.bin";
-    DC::FillEntry(0, &text, &e, base);
+    ondutil::FillEntry(0, &text, &e, base);
     EXPECT_EQ(e.path, "C:\\up.bin");
     text = "..\\..\\far.bin";  // climbs above the start: the text as given
-    DC::FillEntry(0, &text, &e, base);
+    ondutil::FillEntry(0, &text, &e, base);
     EXPECT_EQ(e.path, "..\\..\\far.bin");
     std::string noBase;
     text = "rel.bin";
-    DC::FillEntry(0, &text, &e, noBase);
+    ondutil::FillEntry(0, &text, &e, noBase);
     EXPECT_EQ(e.path, "rel.bin");
 }
 
@@ -116,7 +116,7 @@ TEST(UtilFillEntry, DotQuirkOutOfRangeKeepsTheTextUnjoined) {
     std::string base = "C:\\jobs";
     TFILEENTRY e;
     std::string text = ".\\b.bin";
-    EXPECT_NO_THROW(DC::FillEntry(0, &text, &e, base));
+    EXPECT_NO_THROW(ondutil::FillEntry(0, &text, &e, base));
     EXPECT_EQ(e.path, ".\\b.bin");
 }
 
@@ -132,9 +132,9 @@ TEST(UtilFillEntry, NumberColumns) {
         std::string text = c.text;
         e.fileId = 99;
         e.fileType = 99;
-        DC::FillEntry(1, &text, &e, base);
+        ondutil::FillEntry(1, &text, &e, base);
         EXPECT_EQ(e.fileId, c.value) << c.text;
-        DC::FillEntry(2, &text, &e, base);
+        ondutil::FillEntry(2, &text, &e, base);
         EXPECT_EQ(e.fileType, c.value) << c.text;
     }
 }
@@ -151,12 +151,12 @@ TEST(UtilFillEntry, ModeColumn) {
     for (auto& c : cases) {
         std::string text = c.text;
         e.fileMode = 99;
-        DC::FillEntry(3, &text, &e, base);
+        ondutil::FillEntry(3, &text, &e, base);
         EXPECT_EQ(e.fileMode, c.mode) << c.text;
     }
     // Compared as C strings (like _stricmp): a NUL byte ends the word.
     std::string text("PROGRAM\0junk", 12);
-    DC::FillEntry(3, &text, &e, base);
+    ondutil::FillEntry(3, &text, &e, base);
     EXPECT_EQ(e.fileMode, 2u);
 }
 
@@ -166,13 +166,13 @@ TEST(UtilFillEntry, FurtherColumnsAndNullsAreIgnored) {
     e.path = "keep";
     e.fileId = 1;
     std::string text = "program";
-    DC::FillEntry(4, &text, &e, base);
-    DC::FillEntry(1000, &text, &e, base);
+    ondutil::FillEntry(4, &text, &e, base);
+    ondutil::FillEntry(1000, &text, &e, base);
     EXPECT_EQ(e.path, "keep");
     EXPECT_EQ(e.fileId, 1);
     EXPECT_EQ(e.fileMode, 0u);
-    DC::FillEntry(0, nullptr, &e, base);
-    DC::FillEntry(0, &text, nullptr, base);
+    ondutil::FillEntry(0, nullptr, &e, base);
+    ondutil::FillEntry(0, &text, nullptr, base);
     EXPECT_EQ(e.path, "keep");
 }
 
@@ -181,18 +181,18 @@ TEST(UtilFillEntry, FurtherColumnsAndNullsAreIgnored) {
 TEST_F(UtilLoadJobFile, LoadMissingFileLeavesListUntouched) {
     std::vector<TFILEENTRY> list(2);
     list[0].path = "keep";
-    EXPECT_EQ(DC::LoadJobFile(Path("missing.dcj").c_str(), &list), 0);
+    EXPECT_EQ(ondutil::LoadJobFile(Path("missing.dcj").c_str(), &list), 0);
     ASSERT_EQ(list.size(), 2u);
     EXPECT_EQ(list[0].path, "keep");
-    EXPECT_EQ(DC::LoadJobFile(nullptr, &list), 0);
+    EXPECT_EQ(ondutil::LoadJobFile(nullptr, &list), 0);
     Write("job.dcj", "a\t1\t2\tnormal\n");
-    EXPECT_EQ(DC::LoadJobFile(Path("job.dcj").c_str(), nullptr), 0);
+    EXPECT_EQ(ondutil::LoadJobFile(Path("job.dcj").c_str(), nullptr), 0);
 }
 
 TEST_F(UtilLoadJobFile, LoadClearsTheListFirst) {
     std::vector<TFILEENTRY> list(3);
     Write("job.dcj", "");
-    EXPECT_EQ(DC::LoadJobFile(Path("job.dcj").c_str(), &list), 1);
+    EXPECT_EQ(ondutil::LoadJobFile(Path("job.dcj").c_str(), &list), 1);
     EXPECT_TRUE(list.empty());
 }
 
@@ -283,7 +283,7 @@ TEST_F(UtilLoadJobFile, DotPathsKeepTheirTextAndParentsResolve) {
     ASSERT_EQ(list.size(), 2u);
     EXPECT_EQ(list[0].path, ".\\x.bin");  // the "." quirk raised: kept unjoined
     std::string parent, file;
-    DC::SplitFileName(m_dir, &parent, &file);
+    ondutil::SplitFileName(m_dir, &parent, &file);
     EXPECT_EQ(list[1].path, parent + "\\up.bin");
 }
 
@@ -309,14 +309,14 @@ TEST_F(UtilLoadJobFile, LargeFile) {
 TEST_F(UtilSaveJobFile, SaveWritesBareNamesInItsFolderAndLoadRestoresThem) {
     std::vector<TFILEENTRY> list = {Entry(Path("a.bin"), 1, 2, 0), Entry(Path("b.bin"), 255, 0, 1),
                                     Entry(Path("sub\\c.bin"), 3, 4, 2), Entry(Path("d.bin"), 5, 6, 7)};
-    ASSERT_EQ(DC::SaveJobFile(Path("job.dcj").c_str(), &list), 1);
+    ASSERT_EQ(ondutil::SaveJobFile(Path("job.dcj").c_str(), &list), 1);
     EXPECT_EQ(Read("job.dcj"),
               "a.bin\t1\t2\tnormal\n"
               "b.bin\t255\t0\tbit reverse\n"
               "sub\\c.bin\t3\t4\tprogram\n"
               "d.bin\t5\t6\tnormal\n");
     std::vector<TFILEENTRY> back;
-    ASSERT_EQ(DC::LoadJobFile(Path("job.dcj").c_str(), &back), 1);
+    ASSERT_EQ(ondutil::LoadJobFile(Path("job.dcj").c_str(), &back), 1);
     ASSERT_EQ(back.size(), 4u);
     ExpectEntry(back[0], Path("a.bin"), 1, 2, 0);
     ExpectEntry(back[1], Path("b.bin"), 255, 0, 1);
@@ -327,13 +327,13 @@ TEST_F(UtilSaveJobFile, SaveWritesBareNamesInItsFolderAndLoadRestoresThem) {
 
 TEST_F(UtilSaveJobFile, SaveOutsideTheFolder) {
     std::string parent, file;
-    DC::SplitFileName(m_dir, &parent, &file);
+    ondutil::SplitFileName(m_dir, &parent, &file);
     std::vector<TFILEENTRY> list = {Entry("Q:\\other\\x.bin", 1, 1, 0), Entry(parent + "\\up.bin", 2, 2, 0),
                                     Entry("rel.bin", 3, 3, 0)};
-    ASSERT_EQ(DC::SaveJobFile(Path("job.dcj").c_str(), &list), 1);
+    ASSERT_EQ(ondutil::SaveJobFile(Path("job.dcj").c_str(), &list), 1);
     EXPECT_EQ(Read("job.dcj"), "Q:\\other\\x.bin\t1\t1\tnormal\n..\\up.bin\t2\t2\tnormal\nrel.bin\t3\t3\tnormal\n");
     std::vector<TFILEENTRY> back;
-    ASSERT_EQ(DC::LoadJobFile(Path("job.dcj").c_str(), &back), 1);
+    ASSERT_EQ(ondutil::LoadJobFile(Path("job.dcj").c_str(), &back), 1);
     ASSERT_EQ(back.size(), 3u);
     EXPECT_EQ(back[0].path, "Q:\\other\\x.bin");
     EXPECT_EQ(back[1].path, parent + "\\up.bin");
@@ -343,7 +343,7 @@ TEST_F(UtilSaveJobFile, SaveOutsideTheFolder) {
 TEST_F(UtilSaveJobFile, SaveEmptyListAndReplaceExisting) {
     Write("job.dcj", "old content\n");
     std::vector<TFILEENTRY> list;
-    ASSERT_EQ(DC::SaveJobFile(Path("job.dcj").c_str(), &list), 1);
+    ASSERT_EQ(ondutil::SaveJobFile(Path("job.dcj").c_str(), &list), 1);
     EXPECT_EQ(Read("job.dcj"), "");
     EXPECT_EQ(FileCount(), 1u);
 }
@@ -351,15 +351,15 @@ TEST_F(UtilSaveJobFile, SaveEmptyListAndReplaceExisting) {
 TEST_F(UtilSaveJobFile, SavePathBytesVerbatimUpToANul) {
     std::vector<TFILEENTRY> list = {Entry(Path("100%s %d\xFC.bin"), 1, 2, 0),
                                     Entry(Path(std::string("cut\0tail", 8)), 3, 4, 0)};
-    ASSERT_EQ(DC::SaveJobFile(Path("job.dcj").c_str(), &list), 1);
+    ASSERT_EQ(ondutil::SaveJobFile(Path("job.dcj").c_str(), &list), 1);
     EXPECT_EQ(Read("job.dcj"), "100%s %d\xFC.bin\t1\t2\tnormal\ncut\t3\t4\tnormal\n");
 }
 
 TEST_F(UtilSaveJobFile, SaveFailsWhenTheFolderIsMissing) {
     std::vector<TFILEENTRY> list = {Entry("a", 1, 1, 0)};
-    EXPECT_EQ(DC::SaveJobFile(Path("no_such_folder\\job.dcj").c_str(), &list), 0);
-    EXPECT_EQ(DC::SaveJobFile(nullptr, &list), 0);
-    EXPECT_EQ(DC::SaveJobFile(Path("job.dcj").c_str(), nullptr), 0);
+    EXPECT_EQ(ondutil::SaveJobFile(Path("no_such_folder\\job.dcj").c_str(), &list), 0);
+    EXPECT_EQ(ondutil::SaveJobFile(nullptr, &list), 0);
+    EXPECT_EQ(ondutil::SaveJobFile(Path("job.dcj").c_str(), nullptr), 0);
     EXPECT_EQ(FileCount(), 0u);
 }
 
@@ -372,15 +372,15 @@ TEST_F(UtilSaveJobFile, FailedWriteLeavesTheOldFileIntact) {
         SCOPED_TRACE(n);
         Write("job.dcj", old);
         ondutil::JobFileFailWritesAfter(n);
-        EXPECT_EQ(DC::SaveJobFile(Path("job.dcj").c_str(), &list), 0);
+        EXPECT_EQ(ondutil::SaveJobFile(Path("job.dcj").c_str(), &list), 0);
         ondutil::JobFileFailWritesAfter(-1);
         EXPECT_EQ(Read("job.dcj"), old);
         EXPECT_EQ(FileCount(), 1u);  // the temporary is gone
     }
     // Without the failure the same save goes through.
-    ASSERT_EQ(DC::SaveJobFile(Path("job.dcj").c_str(), &list), 1);
+    ASSERT_EQ(ondutil::SaveJobFile(Path("job.dcj").c_str(), &list), 1);
     std::vector<TFILEENTRY> back;
-    ASSERT_EQ(DC::LoadJobFile(Path("job.dcj").c_str(), &back), 1);
+    ASSERT_EQ(ondutil::LoadJobFile(Path("job.dcj").c_str(), &back), 1);
     ASSERT_EQ(back.size(), 200u);
     ExpectEntry(back[199], Path("file199.bin"), 199, 199, 199 % 3);
 }
@@ -388,7 +388,7 @@ TEST_F(UtilSaveJobFile, FailedWriteLeavesTheOldFileIntact) {
 TEST_F(UtilSaveJobFile, FailedWriteOfANewFileCreatesNothing) {
     std::vector<TFILEENTRY> list = {Entry(Path("a.bin"), 1, 2, 0)};
     ondutil::JobFileFailWritesAfter(3);
-    EXPECT_EQ(DC::SaveJobFile(Path("new.dcj").c_str(), &list), 0);
+    EXPECT_EQ(ondutil::SaveJobFile(Path("new.dcj").c_str(), &list), 0);
     ondutil::JobFileFailWritesAfter(-1);
     EXPECT_EQ(FileCount(), 0u);
 }

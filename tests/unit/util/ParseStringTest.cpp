@@ -1,11 +1,12 @@
-// CONXDeviceClient::ParseString.
+// The escaped-string parser.
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
-#include "frame/DeviceClient.h"
+#include "util/EscapedString.h"
+
 
 namespace {
 
@@ -22,7 +23,7 @@ TParsed Parse(const std::string& text, char terminator, size_t length) {
     std::vector<char> buffer(text.begin(), text.end());
     buffer.push_back('\0');
     TParsed r{"junk", 777, "junk", 7};
-    r.out = CONXDeviceClient::ParseString(buffer.data(), length, terminator, &r.end, &r.error, &r.ok);
+    r.out = ondutil::ParseString(buffer.data(), length, terminator, &r.end, &r.error, &r.ok);
     return r;
 }
 TParsed Parse(const std::string& text, char terminator = '\0') {
@@ -216,16 +217,16 @@ TEST(UtilParseString, HighBytesPassThrough) {
 }
 
 TEST(UtilParseString, NullOutputsAreAllowed) {
-    std::string out = CONXDeviceClient::ParseString("ab\\n", 4, '\0', nullptr, nullptr, nullptr);
+    std::string out = ondutil::ParseString("ab\\n", 4, '\0', nullptr, nullptr, nullptr);
     EXPECT_EQ(out, "ab\n");
-    out = CONXDeviceClient::ParseString("ab\\q", 4, '\0', nullptr, nullptr, nullptr);
+    out = ondutil::ParseString("ab\\q", 4, '\0', nullptr, nullptr, nullptr);
     EXPECT_EQ(out, "");
     int ok = 5;
-    out = CONXDeviceClient::ParseString("x\"", 2, '"', nullptr, nullptr, &ok);
+    out = ondutil::ParseString("x\"", 2, '"', nullptr, nullptr, &ok);
     EXPECT_EQ(out, "x");
     EXPECT_EQ(ok, 1);
     std::string error;
-    out = CONXDeviceClient::ParseString("x", 1, '"', nullptr, &error, nullptr);
+    out = ondutil::ParseString("x", 1, '"', nullptr, &error, nullptr);
     EXPECT_EQ(error, kNotTerminated);
 }
 
@@ -233,7 +234,7 @@ TEST(UtilParseString, ErrorTextClearedOnSuccess) {
     std::string error = "old";
     int ok = 0;
     size_t end = 0;
-    CONXDeviceClient::ParseString("x", 1, '\0', &end, &error, &ok);
+    ondutil::ParseString("x", 1, '\0', &end, &error, &ok);
     EXPECT_EQ(error, "");
     EXPECT_EQ(ok, 1);
     EXPECT_EQ(end, 1u);
@@ -277,7 +278,7 @@ TEST(UtilParseString, UnlimitedLengthStopsAtTheTextsNul) {
     buffer.push_back('\0');
     size_t end = 0;
     int ok = 1;
-    std::string out = CONXDeviceClient::ParseString(buffer.data(), SIZE_MAX, '"', &end, nullptr, &ok);
+    std::string out = ondutil::ParseString(buffer.data(), SIZE_MAX, '"', &end, nullptr, &ok);
     EXPECT_EQ(ok, 0);
     EXPECT_EQ(end, 3u);
     EXPECT_EQ(out, "");

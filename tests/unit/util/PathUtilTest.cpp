@@ -1,4 +1,4 @@
-// Path utilities of CONXDeviceClient. Paths are written as C
+// Path utilities. Paths are written as C
 // literals: "C:\\a" is the four-byte text C:\a in memory.
 #include <gtest/gtest.h>
 
@@ -6,9 +6,9 @@
 #include <stdexcept>
 #include <string>
 
-#include "frame/DeviceClient.h"
+#include "util/PathUtil.h"
 
-typedef CONXDeviceClient DC;
+
 
 // --- toUpperGer --------------------------------------------------------------
 
@@ -19,111 +19,111 @@ TEST(UtilToUpperGer, WholeTable) {
         if (b == 0xE4) expected = 0xC4;
         if (b == 0xF6) expected = 0xD6;
         if (b == 0xFC) expected = 0xDC;
-        EXPECT_EQ((unsigned char)DC::toUpperGer((char)b), expected) << b;
+        EXPECT_EQ((unsigned char)ondutil::toUpperGer((char)b), expected) << b;
     }
 }
 
 TEST(UtilToUpperGer, DocumentedCases) {
-    EXPECT_EQ(DC::toUpperGer((char)0xDF), (char)0xDF);  // sharp s stays
-    EXPECT_EQ(DC::toUpperGer('{'), '{');
-    EXPECT_EQ(DC::toUpperGer('`'), '`');
-    EXPECT_EQ(DC::toUpperGer('a'), 'A');
-    EXPECT_EQ(DC::toUpperGer('z'), 'Z');
-    EXPECT_EQ(DC::toUpperGer((char)0xC4), (char)0xC4);
+    EXPECT_EQ(ondutil::toUpperGer((char)0xDF), (char)0xDF);  // sharp s stays
+    EXPECT_EQ(ondutil::toUpperGer('{'), '{');
+    EXPECT_EQ(ondutil::toUpperGer('`'), '`');
+    EXPECT_EQ(ondutil::toUpperGer('a'), 'A');
+    EXPECT_EQ(ondutil::toUpperGer('z'), 'Z');
+    EXPECT_EQ(ondutil::toUpperGer((char)0xC4), (char)0xC4);
 }
 
 // --- IsAbsolutePath ----------------------------------------------------------
 
 TEST(UtilIsAbsolutePath, DocumentedCases) {
-    EXPECT_TRUE(DC::IsAbsolutePath("C:"));
-    EXPECT_FALSE(DC::IsAbsolutePath("C"));
-    EXPECT_TRUE(DC::IsAbsolutePath("\\\\srv\\x"));
-    EXPECT_FALSE(DC::IsAbsolutePath("\\x"));
+    EXPECT_TRUE(ondutil::IsAbsolutePath("C:"));
+    EXPECT_FALSE(ondutil::IsAbsolutePath("C"));
+    EXPECT_TRUE(ondutil::IsAbsolutePath("\\\\srv\\x"));
+    EXPECT_FALSE(ondutil::IsAbsolutePath("\\x"));
 }
 
 TEST(UtilIsAbsolutePath, Others) {
-    EXPECT_FALSE(DC::IsAbsolutePath(""));
-    EXPECT_FALSE(DC::IsAbsolutePath("\\"));
-    EXPECT_TRUE(DC::IsAbsolutePath("\\\\"));
-    EXPECT_TRUE(DC::IsAbsolutePath("C:x"));
-    EXPECT_TRUE(DC::IsAbsolutePath("1:"));  // any first character
-    EXPECT_FALSE(DC::IsAbsolutePath("ab:"));
-    EXPECT_FALSE(DC::IsAbsolutePath("a.bin"));
-    EXPECT_FALSE(DC::IsAbsolutePath("/usr/x"));  // forward slashes are no separators
-    EXPECT_FALSE(DC::IsAbsolutePath("..\\x"));
+    EXPECT_FALSE(ondutil::IsAbsolutePath(""));
+    EXPECT_FALSE(ondutil::IsAbsolutePath("\\"));
+    EXPECT_TRUE(ondutil::IsAbsolutePath("\\\\"));
+    EXPECT_TRUE(ondutil::IsAbsolutePath("C:x"));
+    EXPECT_TRUE(ondutil::IsAbsolutePath("1:"));  // any first character
+    EXPECT_FALSE(ondutil::IsAbsolutePath("ab:"));
+    EXPECT_FALSE(ondutil::IsAbsolutePath("a.bin"));
+    EXPECT_FALSE(ondutil::IsAbsolutePath("/usr/x"));  // forward slashes are no separators
+    EXPECT_FALSE(ondutil::IsAbsolutePath("..\\x"));
 }
 
 // --- SplitFileName -----------------------------------------------------------
 
 TEST(UtilSplitFileName, BareFileName) {
     std::string folder = "old", file = "old";
-    DC::SplitFileName("a.bin", &folder, &file);
+    ondutil::SplitFileName("a.bin", &folder, &file);
     EXPECT_EQ(folder, "");
     EXPECT_EQ(file, "a.bin");
 }
 
 TEST(UtilSplitFileName, TrailingBackslashLeavesFileUntouched) {
     std::string folder = "old", file = "untouched";
-    DC::SplitFileName("C:\\x\\", &folder, &file);
+    ondutil::SplitFileName("C:\\x\\", &folder, &file);
     EXPECT_EQ(folder, "C:\\x");
     EXPECT_EQ(file, "untouched");
 }
 
 TEST(UtilSplitFileName, Ordinary) {
     std::string folder, file;
-    DC::SplitFileName("C:\\jobs\\a.bin", &folder, &file);
+    ondutil::SplitFileName("C:\\jobs\\a.bin", &folder, &file);
     EXPECT_EQ(folder, "C:\\jobs");
     EXPECT_EQ(file, "a.bin");
-    DC::SplitFileName("\\\\srv\\share\\f", &folder, &file);
+    ondutil::SplitFileName("\\\\srv\\share\\f", &folder, &file);
     EXPECT_EQ(folder, "\\\\srv\\share");
     EXPECT_EQ(file, "f");
-    DC::SplitFileName("a\\b", &folder, &file);
+    ondutil::SplitFileName("a\\b", &folder, &file);
     EXPECT_EQ(folder, "a");
     EXPECT_EQ(file, "b");
 }
 
 TEST(UtilSplitFileName, EmptyPathClearsBoth) {
     std::string folder = "old", file = "old";
-    DC::SplitFileName("", &folder, &file);
+    ondutil::SplitFileName("", &folder, &file);
     EXPECT_EQ(folder, "");
     EXPECT_EQ(file, "");
 }
 
 TEST(UtilSplitFileName, FirstCharacterIsNeverASeparator) {
     std::string folder = "old", file = "old";
-    DC::SplitFileName("\\a", &folder, &file);
+    ondutil::SplitFileName("\\a", &folder, &file);
     EXPECT_EQ(folder, "");
     EXPECT_EQ(file, "\\a");
-    DC::SplitFileName("\\", &folder, &file);
+    ondutil::SplitFileName("\\", &folder, &file);
     EXPECT_EQ(folder, "");
     EXPECT_EQ(file, "\\");
-    DC::SplitFileName("x", &folder, &file);
+    ondutil::SplitFileName("x", &folder, &file);
     EXPECT_EQ(folder, "");
     EXPECT_EQ(file, "x");
 }
 
 TEST(UtilSplitFileName, LastBackslashCounts) {
     std::string folder, file = "untouched";
-    DC::SplitFileName("a\\\\", &folder, &file);
+    ondutil::SplitFileName("a\\\\", &folder, &file);
     EXPECT_EQ(folder, "a\\");
     EXPECT_EQ(file, "untouched");
-    DC::SplitFileName("a\\b/c", &folder, &file);
+    ondutil::SplitFileName("a\\b/c", &folder, &file);
     EXPECT_EQ(folder, "a");
     EXPECT_EQ(file, "b/c");
 }
 
 TEST(UtilSplitFileName, NullOutputsAndAliasing) {
     std::string folder, file;
-    DC::SplitFileName("C:\\a\\b", &folder, nullptr);
+    ondutil::SplitFileName("C:\\a\\b", &folder, nullptr);
     EXPECT_EQ(folder, "C:\\a");
-    DC::SplitFileName("C:\\a\\b", nullptr, &file);
+    ondutil::SplitFileName("C:\\a\\b", nullptr, &file);
     EXPECT_EQ(file, "b");
-    DC::SplitFileName("", nullptr, nullptr);
+    ondutil::SplitFileName("", nullptr, nullptr);
     std::string s = "C:\\a\\b";
-    DC::SplitFileName(s, &s, nullptr);
+    ondutil::SplitFileName(s, &s, nullptr);
     EXPECT_EQ(s, "C:\\a");
     s = "C:\\a\\b";
-    DC::SplitFileName(s, nullptr, &s);
+    ondutil::SplitFileName(s, nullptr, &s);
     EXPECT_EQ(s, "b");
 }
 
@@ -136,7 +136,7 @@ struct TJoined {
 };
 TJoined Join(const std::string& folder, const std::string& file) {
     TJoined j{-1, "unset"};
-    j.rc = DC::ConcatenatePathAndFile(folder, file, &j.text);
+    j.rc = ondutil::ConcatenatePathAndFile(folder, file, &j.text);
     return j;
 }
 void ExpectJoin(const std::string& folder, const std::string& file, int rc, const std::string& text) {
@@ -147,7 +147,7 @@ void ExpectJoin(const std::string& folder, const std::string& file, int rc, cons
 void ExpectOutOfRange(const std::string& folder, const std::string& file) {
     std::string result = "unset";
     try {
-        DC::ConcatenatePathAndFile(folder, file, &result);
+        ondutil::ConcatenatePathAndFile(folder, file, &result);
         ADD_FAILURE() << "no exception for " << folder << " + " << file;
     } catch (const std::out_of_range& e) {
         EXPECT_STREQ(e.what(), "invalid string position");
@@ -288,7 +288,7 @@ TEST(UtilConcatenatePathAndFile, MatchesRestartFromStartReference) {
             expectedThrow = true;
         }
         try {
-            actualRc = DC::ConcatenatePathAndFile(folder, file, &actual);
+            actualRc = ondutil::ConcatenatePathAndFile(folder, file, &actual);
         } catch (const std::out_of_range&) {
             actualThrow = true;
         }
@@ -312,7 +312,7 @@ TEST(UtilConcatenatePathAndFile, LongTextsStayFast) {
 namespace {
 std::string Rel(const std::string& base, const std::string& path) {
     std::string r = "unset";
-    DC::MakeRelativePath(base, path, &r);
+    ondutil::MakeRelativePath(base, path, &r);
     return r;
 }
 }  // namespace
@@ -354,6 +354,6 @@ TEST(UtilMakeRelativePath, EqualOrShorterPath) {
 
 TEST(UtilMakeRelativePath, OutputMayAliasInput) {
     std::string s = "C:\\jobs\\a.bin";
-    DC::MakeRelativePath("C:\\jobs", s, &s);
+    ondutil::MakeRelativePath("C:\\jobs", s, &s);
     EXPECT_EQ(s, "a.bin");
 }
