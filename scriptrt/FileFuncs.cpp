@@ -1,18 +1,13 @@
 // Local file built-ins.
-#include "scriptrt/FileFuncs.h"
-
 #include <atomic>
 #include <cstdio>
-#include <new>
-#include <stdexcept>
 #include <string>
 
 #include "os/Platform.h"
-#include "script/ScriptValue.h"
 #include "scriptrt/FileAccess.h"
 #include "scriptrt/FileFuncsSeam.h"
 #include "scriptrt/FileNames.h"
-#include "scriptrt/SysFuncArgs.h"
+#include "scriptrt/SysFuncs.h"
 
 namespace {
 
@@ -97,21 +92,13 @@ void FileFuncsFailWritesAfter(int64_t bytesBeforeFailure) {
 }
 }  // namespace ondscriptrt
 
-// --- writestringtofile(file, text [, offset [, start [, count]]]) ---
+namespace ondbuiltin {
 
-CONXWriteStringToFileFunc::CONXWriteStringToFileFunc(const TSCRIPTSYSFUNCENV& env)
-    : CONXScriptSysFunc("writestringtofile", env.output, env.outputContext) {}
-
-bool CONXWriteStringToFileFunc::CheckArgumentCount(size_t count) { return count >= 2 && count <= 5; }
-
-uint32_t CONXWriteStringToFileFunc::Execute(CONXScriptRunContext* runContext, CONXScriptFunc* symbols,
-                                            const TSCRIPTARGS& arguments, CONXScriptVariable* result) {
-    if (!CheckArgumentCount(arguments.size())) return SCRIPT_ERR_PARAMCOUNT;
-    if (uint32_t err = ScriptCheckArguments(arguments, "ssnnn")) return err;
-    const std::string& text = ScriptArgText(arguments, 1);
-    const uint32_t offset = static_cast<uint32_t>(ScriptArgNumberOr(arguments, 2, kAllOnes));
-    const uint32_t start = static_cast<uint32_t>(ScriptArgNumberOr(arguments, 3, 0));
-    const uint32_t count = static_cast<uint32_t>(ScriptArgNumberOr(arguments, 4, kAllOnes));
+uint32_t WriteStringToFile(const TSCRIPTSYSCALL& call) {
+    const std::string& text = call.Text(1);
+    const uint32_t offset = static_cast<uint32_t>(call.NumberOr(2, kAllOnes));
+    const uint32_t start = static_cast<uint32_t>(call.NumberOr(3, 0));
+    const uint32_t count = static_cast<uint32_t>(call.NumberOr(4, kAllOnes));
     size_t size = 0;
     if (start < text.size()) {
         size_t rest = text.size() - start;
@@ -119,111 +106,64 @@ uint32_t CONXWriteStringToFileFunc::Execute(CONXScriptRunContext* runContext, CO
     }
     const char* data = text.data() + (size ? start : 0);
     uint32_t written = 0;
-    try {
-        std::string path;
-        const uint64_t maxBytes = runContext ? runContext->m_limits.maxFileBytes : 0;
-        const uint64_t end = (offset == kAllOnes ? 0 : offset) + static_cast<uint64_t>(size);
-        if (ScriptLocalFilePath(runContext, ScriptArgText(arguments, 0), &path) &&
-            (maxBytes == 0 || end <= maxBytes)) {
-            written = offset == kAllOnes ? WriteReplacing(path, data, size)
-                                         : WriteInPlace(path, offset, data, size);
-        }
-    } catch (const std::bad_alloc&) {
-        return SCRIPT_ERR_OUTOFMEMORY;
-    } catch (const std::length_error&) {
-        return SCRIPT_ERR_OUTOFMEMORY;
+    std::string path;
+    const uint64_t maxBytes = call.run ? call.run->m_limits.maxFileBytes : 0;
+    const uint64_t end = (offset == kAllOnes ? 0 : offset) + static_cast<uint64_t>(size);
+    if (ScriptLocalFilePath(call.run, call.Text(0), &path) && (maxBytes == 0 || end <= maxBytes)) {
+        written = offset == kAllOnes ? WriteReplacing(path, data, size)
+                                     : WriteInPlace(path, offset, data, size);
     }
-    if (!result) return 0;
-    return result->SetNumber(written, SCRIPT_TYPE_UINT32);
+    if (!call.result) return 0;
+    return call.result->SetNumber(written, SCRIPT_TYPE_UINT32);
 }
 
-// --- readstringfromfile(file [, offset [, length]]) ---
-
-CONXReadStringFromFileFunc::CONXReadStringFromFileFunc(const TSCRIPTSYSFUNCENV& env)
-    : CONXScriptSysFunc("readstringfromfile", env.output, env.outputContext) {}
-
-bool CONXReadStringFromFileFunc::CheckArgumentCount(size_t count) { return count >= 1 && count <= 3; }
-
-uint32_t CONXReadStringFromFileFunc::Execute(CONXScriptRunContext* runContext, CONXScriptFunc* symbols,
-                                             const TSCRIPTARGS& arguments, CONXScriptVariable* result) {
-    if (!CheckArgumentCount(arguments.size())) return SCRIPT_ERR_PARAMCOUNT;
-    if (uint32_t err = ScriptCheckArguments(arguments, "snn")) return err;
-    if (!result) return 0;
-    const uint32_t offset = static_cast<uint32_t>(ScriptArgNumberOr(arguments, 1, 0));
-    const uint32_t length = static_cast<uint32_t>(ScriptArgNumberOr(arguments, 2, kAllOnes));
-    std::string bytes;
-    try {
-        std::string path;
-        FILE* f = nullptr;
-        if (ScriptLocalFilePath(runContext, ScriptArgText(arguments, 0), &path))
-            f = OsOpenFile(path.c_str(), "rb");
-        if (!f) return result->SetText(bytes);
-        uint64_t size64 = 0;
-        const uint32_t size = ScriptOpenFileSize(f, &size64) ? static_cast<uint32_t>(size64) : 0;
-        if (offset < size && length != 0 && ScriptSeekFile(f, offset)) {
-            const uint32_t want = length < size - offset ? length : size - offset;
-            const TSCRIPTSTRINGBUDGET* budget = ScriptStringBudget();
-            if (budget && want > budget->maxStringBytes) {
-                fclose(f);
-                return SCRIPT_ERR_OUTOFMEMORY;
-            }
-            try {
-                bytes.resize(want);
-            } catch (...) {
-                fclose(f);
-                throw;
-            }
-            bytes.resize(fread(&bytes[0], 1, want, f));
-        }
-        fclose(f);
-    } catch (const std::bad_alloc&) {
-        return SCRIPT_ERR_OUTOFMEMORY;
-    } catch (const std::length_error&) {
-        return SCRIPT_ERR_OUTOFMEMORY;
-    }
-    return result->SetText(bytes);
-}
-
-// --- getfilesize(file) ---
-
-CONXGetFileSizeFunc::CONXGetFileSizeFunc(const TSCRIPTSYSFUNCENV& env)
-    : CONXScriptSysFunc("getfilesize", env.output, env.outputContext) {}
-
-bool CONXGetFileSizeFunc::CheckArgumentCount(size_t count) { return count == 1; }
-
-uint32_t CONXGetFileSizeFunc::Execute(CONXScriptRunContext* runContext, CONXScriptFunc* symbols,
-                                      const TSCRIPTARGS& arguments, CONXScriptVariable* result) {
-    if (!CheckArgumentCount(arguments.size())) return SCRIPT_ERR_PARAMCOUNT;
-    if (uint32_t err = ScriptCheckArguments(arguments, "s")) return err;
-    if (!result) return 0;
-    uint64_t size = 0;
-    try {
-        std::string path;
-        FILE* f = nullptr;
-        if (ScriptLocalFilePath(runContext, ScriptArgText(arguments, 0), &path))
-            f = OsOpenFile(path.c_str(), "rb");
-        if (f) {
-            if (!ScriptOpenFileSize(f, &size)) size = 0;
+uint32_t ReadStringFromFile(const TSCRIPTSYSCALL& call) {
+    if (!call.result) return 0;
+    const uint32_t offset = static_cast<uint32_t>(call.NumberOr(1, 0));
+    const uint32_t length = static_cast<uint32_t>(call.NumberOr(2, kAllOnes));
+    std::string bytes, path;
+    FILE* f = nullptr;
+    if (ScriptLocalFilePath(call.run, call.Text(0), &path)) f = OsOpenFile(path.c_str(), "rb");
+    if (!f) return call.result->SetText(bytes);
+    uint64_t size64 = 0;
+    const uint32_t size = ScriptOpenFileSize(f, &size64) ? static_cast<uint32_t>(size64) : 0;
+    if (offset < size && length != 0 && ScriptSeekFile(f, offset)) {
+        const uint32_t want = length < size - offset ? length : size - offset;
+        const TSCRIPTSTRINGBUDGET* budget = ScriptStringBudget();
+        if (budget && want > budget->maxStringBytes) {
             fclose(f);
+            return SCRIPT_ERR_OUTOFMEMORY;
         }
-    } catch (const std::bad_alloc&) {
-        return SCRIPT_ERR_OUTOFMEMORY;
+        try {
+            bytes.resize(want);
+        } catch (...) {
+            fclose(f);
+            throw;
+        }
+        bytes.resize(fread(&bytes[0], 1, want, f));
     }
-    return result->SetNumber(size, SCRIPT_TYPE_UINT32);  // a 32-bit size, deliberately
+    fclose(f);
+    return call.result->SetText(bytes);
 }
 
-// --- getbasepath() ---
+uint32_t GetFileSize(const TSCRIPTSYSCALL& call) {
+    if (!call.result) return 0;
+    uint64_t size = 0;
+    std::string path;
+    FILE* f = nullptr;
+    if (ScriptLocalFilePath(call.run, call.Text(0), &path)) f = OsOpenFile(path.c_str(), "rb");
+    if (f) {
+        if (!ScriptOpenFileSize(f, &size)) size = 0;
+        fclose(f);
+    }
+    return call.result->SetNumber(size, SCRIPT_TYPE_UINT32);  // a 32-bit size, deliberately
+}
 
-CONXGetBasePathFunc::CONXGetBasePathFunc(const TSCRIPTSYSFUNCENV& env)
-    : CONXScriptSysFunc("getbasepath", env.output, env.outputContext) {}
-
-bool CONXGetBasePathFunc::CheckArgumentCount(size_t count) { return count == 0; }
-
-uint32_t CONXGetBasePathFunc::Execute(CONXScriptRunContext* runContext, CONXScriptFunc* symbols,
-                                      const TSCRIPTARGS& arguments, CONXScriptVariable* result) {
-    if (!CheckArgumentCount(arguments.size())) return SCRIPT_ERR_PARAMCOUNT;
-    if (!result) return 0;
-    std::string base = runContext ? runContext->GetBaseDirectory() : std::string();
+uint32_t GetBasePath(const TSCRIPTSYSCALL& call) {
+    if (!call.result) return 0;
+    std::string base = call.run ? call.run->GetBaseDirectory() : std::string();
     if (!base.empty() && base.back() == '\\') base.pop_back();  // "C:\" at a drive's root
-    return result->SetText(base);
+    return call.result->SetText(base);
 }
+
+}  // namespace ondbuiltin

@@ -1,37 +1,46 @@
-// Number formatting built-ins.
-#include "scriptrt/NumberFuncs.h"
+// Conversions between numbers and text: the "strto..." and "hexstrto..."
+// scans and the "...tostr" and "...tohexstr" formats.
+#include "scriptrt/NumberScan.h"
+#include "scriptrt/SysFuncs.h"
 
-#include <string>
+namespace ondbuiltin {
 
-CONXNumToStrFunc::CONXNumToStrFunc(const TSCRIPTSYSFUNCENV& env, const char* name,
-                                   const char* format32u, const char* format32s,
-                                   const char* format64u, const char* format64s)
-    : CONXScriptSysFunc(name, env.output, env.outputContext) {
-    m_readsArgumentsOnly = true;
-    const char* formats[4] = {format32u, format32s, format64u, format64s};
-    for (int f = 0; f < 4; f++) {
-        size_t i = 0;
-        for (; formats[f] && formats[f][i] && i + 1 < sizeof m_formats[f]; i++)
-            m_formats[f][i] = formats[f][i];
-        m_formats[f][i] = '\0';
-    }
-}
+namespace {
 
-bool CONXNumToStrFunc::CheckArgumentCount(size_t count) { return count == 1; }
-
-uint32_t CONXNumToStrFunc::Execute(CONXScriptRunContext* runContext, CONXScriptFunc* symbols,
-                                   const TSCRIPTARGS& arguments, CONXScriptVariable* result) {
-    if (!CheckArgumentCount(arguments.size())) return SCRIPT_ERR_PARAMCOUNT;
-    // The type is checked even when nobody takes the value.
-    if (uint32_t err = ScriptCheckArguments(arguments, "n")) return err;
-    if (!result) return 0;
-    CONXScriptVariable* v = ScriptArgVariable(arguments, 0);
-    int index = 0;
+// The format for the argument's type: for type 1, 3, 4, 5 in this order.
+uint32_t Format(const TSCRIPTSYSCALL& call, const char* const (&formats)[4]) {
+    if (!call.result) return 0;  // the type was checked all the same
+    CONXScriptVariable* v = call.Variable(0);
+    int index = 3;
     switch (v->Type()) {
     case SCRIPT_TYPE_UINT32: index = 0; break;
     case SCRIPT_TYPE_INT32: index = 1; break;
     case SCRIPT_TYPE_UINT64: index = 2; break;
-    default: index = 3; break;
     }
-    return result->SetText(ScriptFormatNumber(m_formats[index], v->Number()));
+    return call.result->SetText(ScriptFormatNumber(formats[index], v->Number()));
 }
+
+}  // namespace
+
+uint32_t StrToNum(const TSCRIPTSYSCALL& call) {
+    if (!call.result) return 0;
+    uint64_t scanned;
+    if (!ScriptScanNumber(call.Text(0).c_str(), call.def.format, &scanned)) return SCRIPT_ERR_TYPE;
+    // Cut to the type's width and widened by its signedness, as the variable reads it back.
+    const uint32_t type = call.def.type;
+    if (!ScriptTypeIs64(type))
+        scanned = ScriptTypeIsSigned(type) ? (uint64_t)(int64_t)(int32_t)(uint32_t)scanned : (uint32_t)scanned;
+    return call.result->SetNumber(scanned, type);
+}
+
+uint32_t NumToStr(const TSCRIPTSYSCALL& call) {
+    static const char* const kDecimal[4] = {"%u", "%d", "%I64u", "%I64d"};
+    return Format(call, kDecimal);
+}
+
+uint32_t NumToHexStr(const TSCRIPTSYSCALL& call) {
+    static const char* const kHex[4] = {"%X", "%X", "%I64X", "%I64X"};
+    return Format(call, kHex);
+}
+
+}  // namespace ondbuiltin

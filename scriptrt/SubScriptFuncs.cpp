@@ -1,9 +1,5 @@
 // Sub-script built-ins.
-#include "scriptrt/SubScriptFuncs.h"
-
 #include <cstdio>
-#include <new>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -11,24 +7,14 @@
 #include "script/ScriptExec.h"
 #include "scriptrt/FileAccess.h"
 #include "scriptrt/FileNames.h"
-#include "scriptrt/SysFuncArgs.h"
+#include "scriptrt/SysFuncs.h"
 #include "util/PathUtil.h"
+
+namespace ondbuiltin {
 
 namespace {
 
 const size_t kMaxPath = 260;  // a full path name of at most 261 characters with its NUL
-
-struct TSUBSCRIPTCALL {
-    CONXScriptRunContext* caller;
-    COndDeviceComm_0* channel;
-    TSCRIPTOUTPUTFUNC output;
-    void* outputContext;
-    std::string file;                  // the name as the script passed it
-    const char* functionName;          // null: the main body
-    const TSCRIPTARGS* arguments;      // the call's arguments
-    size_t firstFunctionArgument;      // where the function's own arguments begin
-    CONXScriptVariable* result;
-};
 
 // Reads the whole file as raw bytes; 12 when it cannot be read, 1 without memory.
 uint32_t ReadScriptFile(const std::string& path, std::string* text) {
@@ -50,18 +36,21 @@ uint32_t ReadScriptFile(const std::string& path, std::string* text) {
     return code;
 }
 
-uint32_t RunSubScript(const TSUBSCRIPTCALL& call) {
-    CONXScriptRunContext* caller = call.caller;
+// Runs the file's main body (functionName null) or its function functionName
+// with the call's arguments from firstArgument on.
+uint32_t RunSubScript(const TSCRIPTSYSCALL& call, const char* functionName, size_t firstArgument) {
+    CONXScriptRunContext* caller = call.run;
+    const std::string file = call.Text(0);  // the name as the script passed it
     std::string path, fullPath, folder, text;
-    if (!ScriptLocalFilePath(caller, call.file, &path)) return SCRIPT_ERR_SYSFUNC;
+    if (!ScriptLocalFilePath(caller, file, &path)) return SCRIPT_ERR_SYSFUNC;
     if (!OsFullPathName(path.c_str(), &fullPath) || fullPath.size() > kMaxPath)
         return SCRIPT_ERR_SYSFUNC;
     ondutil::SplitFileName(fullPath, &folder, nullptr);
     if (uint32_t err = ReadScriptFile(fullPath, &text)) return err;
 
     std::vector<CONXScriptVariable*> functionArguments;  // checked to be variables by the caller
-    for (size_t i = call.firstFunctionArgument; i < call.arguments->size(); i++)
-        functionArguments.push_back(static_cast<CONXScriptVariable*>((*call.arguments)[i]));
+    for (size_t i = firstArgument; i < call.Count(); i++)
+        functionArguments.push_back(static_cast<CONXScriptVariable*>(call.arguments[i]));
 
     COsEvent* stop = caller ? caller->GetStopEvent() : nullptr;
     // The run resets the shared event when it starts: a stop requested before
@@ -83,72 +72,25 @@ uint32_t RunSubScript(const TSUBSCRIPTCALL& call) {
             exec->steps += left / 2;
         }
     }
-    uint32_t code = RunScript(&context, call.channel, text.c_str(), folder.c_str(), nullptr,
-                              call.functionName,
-                              call.functionName ? &functionArguments : nullptr, call.output,
-                              call.outputContext, call.result);
-    if (code && call.output) {
-        call.output(call.outputContext, "in subscript \"");
-        call.output(call.outputContext, call.file.c_str());
-        call.output(call.outputContext, "\"\n");
+    uint32_t code = RunScript(&context, call.env.channel, text.c_str(), folder.c_str(), nullptr,
+                              functionName, functionName ? &functionArguments : nullptr,
+                              call.env.output, call.env.outputContext, call.result);
+    if (code) {
+        call.Output("in subscript \"");
+        call.Output(file.c_str());
+        call.Output("\"\n");
     }
     return code;
 }
 
-uint32_t RunSubScriptSafely(const TSUBSCRIPTCALL& call) {
-    try {
-        return RunSubScript(call);
-    } catch (const std::bad_alloc&) {
-        return SCRIPT_ERR_OUTOFMEMORY;
-    } catch (const std::length_error&) {
-        return SCRIPT_ERR_OUTOFMEMORY;
-    }
-}
-
 }  // namespace
 
-// --- executesubscript(file) ---
+uint32_t ExecuteSubScript(const TSCRIPTSYSCALL& call) { return RunSubScript(call, nullptr, 1); }
 
-CONXExecuteSubScript::CONXExecuteSubScript(const TSCRIPTSYSFUNCENV& env)
-    : CONXScriptSysFunc("executesubscript", env.output, env.outputContext), m_pChannel(env.channel) {}
-
-bool CONXExecuteSubScript::CheckArgumentCount(size_t count) { return count == 1; }
-
-uint32_t CONXExecuteSubScript::Execute(CONXScriptRunContext* runContext, CONXScriptFunc* symbols,
-                                       const TSCRIPTARGS& arguments, CONXScriptVariable* result) {
-    if (!CheckArgumentCount(arguments.size())) return SCRIPT_ERR_PARAMCOUNT;
-    if (uint32_t err = ScriptCheckArguments(arguments, "s")) return err;
-    try {
-        TSUBSCRIPTCALL call = {runContext, m_pChannel, m_output, m_outputContext,
-                               ScriptArgText(arguments, 0), nullptr, &arguments, 1, result};
-        return RunSubScriptSafely(call);
-    } catch (const std::bad_alloc&) {
-        return SCRIPT_ERR_OUTOFMEMORY;
-    }
+uint32_t ExecuteSubScriptFunc(const TSCRIPTSYSCALL& call) {
+    std::string function = call.Text(1).c_str();  // the name ends at a NUL byte
+    return RunSubScript(call, function.c_str(), 2);
 }
 
-// --- executesubscriptfunc(file, function, arguments...) ---
+}  // namespace ondbuiltin
 
-CONXExecuteSubScriptFunc::CONXExecuteSubScriptFunc(const TSCRIPTSYSFUNCENV& env)
-    : CONXScriptSysFunc("executesubscriptfunc", env.output, env.outputContext),
-      m_pChannel(env.channel) {}
-
-bool CONXExecuteSubScriptFunc::CheckArgumentCount(size_t count) { return count >= 2; }
-
-uint32_t CONXExecuteSubScriptFunc::Execute(CONXScriptRunContext* runContext, CONXScriptFunc* symbols,
-                                           const TSCRIPTARGS& arguments, CONXScriptVariable* result) {
-    if (!CheckArgumentCount(arguments.size())) return SCRIPT_ERR_PARAMCOUNT;
-    // Every argument must be a variable, the handed-on ones too, before anything is read.
-    if (!AllArgumentsOfKind(arguments, SCRIPT_OBJ_VARIABLE)) return SCRIPT_ERR_TYPE;
-    TSCRIPTARGS firstTwo = {arguments.items, 2};
-    if (uint32_t err = ScriptCheckArguments(firstTwo, "ss")) return err;
-    try {
-        std::string function = ScriptArgText(arguments, 1).c_str();
-        TSUBSCRIPTCALL call = {runContext,   m_pChannel, m_output, m_outputContext,
-                               ScriptArgText(arguments, 0), function.c_str(), &arguments, 2,
-                               result};
-        return RunSubScriptSafely(call);
-    } catch (const std::bad_alloc&) {
-        return SCRIPT_ERR_OUTOFMEMORY;
-    }
-}

@@ -1,59 +1,9 @@
-// Built-ins that ask the operator through the run's CONXOperatorPrompt_0. They
-// keep all the rules (checks, limits, clamping, OK and Cancel results); the
-// prompt only asks. Without a prompt (runContext->m_pOperator null) every
-// question is answered as Cancel would be, and messagebox shows nothing.
+// What the askers of the operator questions (the Windows dialog, the console)
+// share with the built-ins: checking a typed number and showing one.
 #pragma once
 
 #include <cstdint>
 #include <string>
-
-#include "script/ScriptSysFunc.h"
-
-// messagebox(caption, text)
-class CONXMessageBoxDialog : public CONXScriptSysFunc {
-public:
-    explicit CONXMessageBoxDialog(const TSCRIPTSYSFUNCENV& env);
-    bool CheckArgumentCount(size_t count) override;
-    [[nodiscard]] uint32_t Execute(CONXScriptRunContext* runContext, CONXScriptFunc* symbols,
-                                   const TSCRIPTARGS& arguments, CONXScriptVariable* result) override;
-};
-
-// userinputdword / userinputuint32 (type 1), userinputint32 (3),
-// userinputuint64 (4), userinputint64 (5):
-// (caption, prompt, default [, minimum, maximum [, confirmed]])
-class CONXUserInputNumDialog : public CONXScriptSysFunc {
-public:
-    CONXUserInputNumDialog(const TSCRIPTSYSFUNCENV& env, const char* name, uint32_t dataType);
-    bool CheckArgumentCount(size_t count) override;
-    [[nodiscard]] uint32_t Execute(CONXScriptRunContext* runContext, CONXScriptFunc* symbols,
-                                   const TSCRIPTARGS& arguments, CONXScriptVariable* result) override;
-
-private:
-    uint32_t m_dataType;
-};
-
-// userinputstring(caption, prompt, default [, confirmed])
-class CONXUserInputStringDialog : public CONXScriptSysFunc {
-public:
-    explicit CONXUserInputStringDialog(const TSCRIPTSYSFUNCENV& env);
-    bool CheckArgumentCount(size_t count) override;
-    [[nodiscard]] uint32_t Execute(CONXScriptRunContext* runContext, CONXScriptFunc* symbols,
-                                   const TSCRIPTARGS& arguments, CONXScriptVariable* result) override;
-};
-
-// userlistinput(caption, prompt, items, default [, confirmed]): items is one
-// string with each item ended by a NUL byte; text after the last NUL is an
-// item too. A default outside the list selects the first line; an empty list
-// is answered as Cancel without asking.
-class CONXUserListInputDialog : public CONXScriptSysFunc {
-public:
-    explicit CONXUserListInputDialog(const TSCRIPTSYSFUNCENV& env);
-    bool CheckArgumentCount(size_t count) override;
-    [[nodiscard]] uint32_t Execute(CONXScriptRunContext* runContext, CONXScriptFunc* symbols,
-                                   const TSCRIPTARGS& arguments, CONXScriptVariable* result) override;
-};
-
-// --- helpers for the askers (the Windows dialog, the console) ---------------
 
 enum EUSERINPUTCHECK : uint32_t {
     USERINPUT_CHECK_OK = 0,

@@ -6,9 +6,8 @@
 #include <cstdlib>
 #include <string>
 
-#include "script/ScriptErrors.h"
-#include "script/ScriptValue.h"
 #include "scriptrt/OperatorPrompt.h"
+#include "scriptrt/SysFuncs.h"
 #include "scriptrt/UserInputFuncs.h"
 
 namespace {
@@ -36,10 +35,6 @@ void FullRange(uint32_t type, uint64_t* minimum, uint64_t* maximum) {
     case SCRIPT_TYPE_INT64: *minimum = (uint64_t)INT64_MIN; *maximum = INT64_MAX; break;
     default: *minimum = 0; *maximum = UINT32_MAX; break;
     }
-}
-
-CONXScriptVariable* Arg(const TSCRIPTARGS& arguments, size_t i) {
-    return static_cast<CONXScriptVariable*>(arguments[i]);
 }
 
 }  // namespace
@@ -92,62 +87,39 @@ EUSERINPUTCHECK UserInputCheckNumber(const char* text, uint32_t type, uint64_t m
     return USERINPUT_CHECK_OK;
 }
 
-CONXUserInputNumDialog::CONXUserInputNumDialog(const TSCRIPTSYSFUNCENV& env, const char* name,
-                                               uint32_t dataType)
-    : CONXScriptSysFunc(name, env.output, env.outputContext),
-      m_dataType(ScriptTypeIsNumeric(dataType) ? dataType : SCRIPT_TYPE_UINT32) {}
-
-bool CONXUserInputNumDialog::CheckArgumentCount(size_t count) {
-    return count == 3 || count == 5 || count == 6;
-}
-
-uint32_t CONXUserInputNumDialog::Execute(CONXScriptRunContext* runContext, CONXScriptFunc* symbols,
-                                         const TSCRIPTARGS& arguments, CONXScriptVariable* result) {
-    try {
-        const size_t count = arguments.size();
-        if (!CheckArgumentCount(count)) return SCRIPT_ERR_PARAMCOUNT;
-        if (!AllArgumentsOfKind(arguments, SCRIPT_OBJ_VARIABLE)) return SCRIPT_ERR_TYPE;
-        if (Arg(arguments, 0)->GetType() != SCRIPT_TYPE_STRING) return SCRIPT_ERR_TYPE;
-        if (Arg(arguments, 1)->GetType() != SCRIPT_TYPE_STRING) return SCRIPT_ERR_TYPE;
-        if (!ScriptTypeIsNumeric(Arg(arguments, 2)->GetType())) return SCRIPT_ERR_TYPE;
-        const uint64_t defaultValue = Arg(arguments, 2)->GetNumber();
-
-        uint64_t minimum, maximum;
-        FullRange(m_dataType, &minimum, &maximum);
-        if (count >= 5) {
-            if (!ScriptTypeIsNumeric(Arg(arguments, 3)->GetType())) return SCRIPT_ERR_TYPE;
-            if (!ScriptTypeIsNumeric(Arg(arguments, 4)->GetType())) return SCRIPT_ERR_TYPE;
-            minimum = Narrow(m_dataType, Arg(arguments, 3)->GetNumber());
-            maximum = Narrow(m_dataType, Arg(arguments, 4)->GetNumber());
-            if (Less(m_dataType, maximum, minimum)) return SCRIPT_ERR_SYSFUNC;
-        }
-        uint64_t initial = Narrow(m_dataType, defaultValue);
-        if (Less(m_dataType, maximum, initial)) initial = maximum;
-        if (Less(m_dataType, initial, minimum)) initial = minimum;
-
-        std::string caption = Arg(arguments, 0)->GetText();
-        std::string prompt = Arg(arguments, 1)->GetText();
-        TOPERATORNUMBERQUESTION question;
-        question.caption = caption.c_str();
-        question.prompt = prompt.empty() ? kDefaultPrompt : prompt.c_str();
-        question.type = m_dataType;
-        question.minimum = minimum;
-        question.maximum = maximum;
-        question.initial = initial;
-
-        CONXOperatorPrompt_0* op = runContext ? runContext->m_pOperator : nullptr;
-        uint64_t answer = 0;
-        bool ok = op && op->AskNumber(question, &answer) == OPERATOR_ANSWER_OK;
-        if (ok) {
-            answer = Narrow(m_dataType, answer);
-            ok = !Less(m_dataType, answer, minimum) && !Less(m_dataType, maximum, answer);
-        }
-        if (count == 6) {
-            if (uint32_t err = Arg(arguments, 5)->SetNumber(ok ? 1 : 0, SCRIPT_TYPE_UINT32)) return err;
-        }
-        if (!result) return 0;
-        return result->SetNumber(ok ? answer : defaultValue, m_dataType);
-    } catch (...) {
-        return SCRIPT_ERR_OUTOFMEMORY;  // nothing leaves a built-in
+uint32_t ondbuiltin::AskNumber(const TSCRIPTSYSCALL& call) {
+    const uint32_t type = call.def.type;
+    const uint64_t defaultValue = call.Number(2);
+    uint64_t minimum, maximum;
+    FullRange(type, &minimum, &maximum);
+    if (call.Count() >= 5) {
+        minimum = Narrow(type, call.Number(3));
+        maximum = Narrow(type, call.Number(4));
+        if (Less(type, maximum, minimum)) return SCRIPT_ERR_SYSFUNC;
     }
+    uint64_t initial = Narrow(type, defaultValue);
+    if (Less(type, maximum, initial)) initial = maximum;
+    if (Less(type, initial, minimum)) initial = minimum;
+
+    const std::string& prompt = call.Text(1);
+    TOPERATORNUMBERQUESTION question;
+    question.caption = call.Text(0).c_str();
+    question.prompt = prompt.empty() ? kDefaultPrompt : prompt.c_str();
+    question.type = type;
+    question.minimum = minimum;
+    question.maximum = maximum;
+    question.initial = initial;
+
+    CONXOperatorPrompt_0* op = call.run ? call.run->m_pOperator : nullptr;
+    uint64_t answer = 0;
+    bool ok = op && op->AskNumber(question, &answer) == OPERATOR_ANSWER_OK;
+    if (ok) {
+        answer = Narrow(type, answer);
+        ok = !Less(type, answer, minimum) && !Less(type, maximum, answer);
+    }
+    if (call.Count() == 6) {
+        if (uint32_t err = call.Variable(5)->SetNumber(ok ? 1 : 0, SCRIPT_TYPE_UINT32)) return err;
+    }
+    if (!call.result) return 0;
+    return call.result->SetNumber(ok ? answer : defaultValue, type);
 }

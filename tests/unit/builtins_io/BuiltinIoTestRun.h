@@ -13,7 +13,6 @@
 #include "os/Platform.h"
 #include "script/ScriptRun.h"
 #include "script/ScriptValue.h"
-#include "scriptrt/DeviceFuncs.h"
 #include "scriptrt/OperatorPrompt.h"
 #include "scriptrt/SysFuncTable.h"
 #include "scriptrt/UserInputFuncs.h"
