@@ -37,6 +37,7 @@ public:
         std::filesystem::remove_all(m_path, ec);
     }
     const std::string& Base() const { return m_base; }
+    bool Empty() const { return std::filesystem::is_empty(m_path); }
     void Write(const std::string& name, const std::string& bytes) const {
         FILE* f = fopen((m_path / name).string().c_str(), "wb");
         if (!f) return;

@@ -98,23 +98,6 @@ TEST_F(BuiltinExecuteJobFile, EmptyJobFileTransfersNothing) {
     EXPECT_EQ(m_device.CallCount("TransmitFile"), 0u);
 }
 
-TEST_F(BuiltinExecuteJobFile, ArgumentChecks) {
-    const char* cases[][2] = {
-        {"executejobfile();", "8"},
-        {"executejobfile(\"jobs.dcj\", 1, 1, 1);", "8"},
-        {"func f() { } executejobfile(\"jobs.dcj\", &f);", "10"},
-        {"executejobfile(1);", "10"},
-        {"executejobfile(\"jobs.dcj\", \"1\");", "10"},
-        {"executejobfile(\"jobs.dcj\", 1, \"1\");", "10"},
-    };
-    for (auto& c : cases) {
-        TBUILTINIORUN run = Run(c[0]);
-        EXPECT_EQ(run.code, (uint32_t)atoi(c[1])) << c[0];
-        EXPECT_EQ(run.output.find("job file"), std::string::npos) << c[0];
-    }
-    EXPECT_EQ(m_device.CallCount("TransmitFile"), 0u);
-}
-
 TEST_F(BuiltinExecuteJobFile, StopRequestFailsEveryEntryItReaches) {
     // An aborted transfer is a failure like any other: without continueAfterError
     // the job stops there; with it every later entry is aborted at once.

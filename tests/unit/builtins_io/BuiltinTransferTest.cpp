@@ -112,30 +112,6 @@ TEST(BuiltinTransmitFile, NamePartAsThePathsAreSplit) {
     EXPECT_EQ(run.output, std::string(missing) + ")\n");
 }
 
-TEST(BuiltinTransmitFile, ArgumentChecksInOrder) {
-    CSimDevice device;
-    const char* cases[][2] = {
-        {"transmitfile(\"a\", 1, 2);", "8"},
-        {"transmitfile(\"a\", 1, 2, 3, 4, 5);", "8"},
-        {"func f() { } transmitfile(\"a\", 1, 2, &f);", "10"},
-        {"transmitfile(\"a\", 1, 2, 0, \"yes\");", "10"},
-        {"transmitfile(5, 1, 2, 0);", "10"},
-        {"transmitfile(\"a\", \"1\", 2, 0);", "10"},
-        {"transmitfile(\"a\", 1, \"2\", 0);", "10"},
-        {"transmitfile(\"a\", 1, 2, \"0\");", "10"},
-        {"transmitfilefromstring(\"a\", 1, 2);", "8"},
-        {"transmitfilefromstring(1, 1, 2, 0);", "10"},
-        {"transmitfilefromstring(\"a\", 1, 2, 0, \"x\");", "10"},
-    };
-    for (auto& c : cases) {
-        TBUILTINIORUN run = BuiltinIoRun(c[0], &device, "");
-        EXPECT_EQ(run.code, (uint32_t)atoi(c[1])) << c[0];
-        // Nothing is written before the checks have passed.
-        EXPECT_EQ(run.output.find('\r'), std::string::npos) << c[0];
-    }
-    EXPECT_EQ(device.CallCount("TransmitFile") + device.CallCount("TransmitFileFromMemory"), 0u);
-}
-
 TEST(BuiltinTransmitFileFromString, TransfersTheBytesWithABareBar) {
     CSimDevice device;
     TBUILTINIORUN run = BuiltinIoRun("print(transmitfilefromstring(\"x\\0y\", 9, 3, 2), \"|\");", &device, "");

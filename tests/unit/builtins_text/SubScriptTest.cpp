@@ -40,63 +40,26 @@ TEST_F(BuiltinSubScript, RunsWithItsOwnBaseDirectory) {
     EXPECT_EQ(run.output, "a\nbase=" + m_dir + "\\sub;beside\n" + m_dir + "\n");
 }
 
-TEST_F(BuiltinSubScript, FunctionOfASubScript) {
-    Write("lib.dcs",
-          "print(\"main ran\");\n"
-          "func add(var int32 a, var int32 b) { add = a + b; }\n"
-          "func greet(var string who) { greet = \"hi \" + who; }\n");
-    TBUILTINRUN run = Run(
-        "var int32 x; x = 40;\n"
-        "print(executesubscriptfunc(\"lib.dcs\", \"add\", x, 2), \",\", executesubscriptfunc(\"lib.dcs\", \"greet\", \"you\"));");
-    EXPECT_EQ(run.code, 0u);
-    EXPECT_EQ(run.output, "42,hi you");
-    // Arguments are matched to the function's parameters: too few fails there.
-    TBUILTINRUN few = Run("executesubscriptfunc(\"lib.dcs\", \"add\", 1);");
-    EXPECT_EQ(few.code, SCRIPT_ERR_PARAMCOUNT);
-    EXPECT_NE(few.output.find("in subscript \"lib.dcs\"\n"), std::string::npos) << few.output;
-    TBUILTINRUN unknown = Run("executesubscriptfunc(\"lib.dcs\", \"nothing\");");
-    EXPECT_EQ(unknown.code, SCRIPT_ERR_UNKNOWNIDENT);
-}
-
-TEST_F(BuiltinSubScript, ErrorInTheSubScriptStopsTheCaller) {
-    Write("sub.dcs", "var int32 x;\nx = \"text\";\n");
-    TBUILTINRUN run = Run("print(\"before\\n\");\nexecutesubscript(\"sub.dcs\");\nprint(\"never\");\n");
-    EXPECT_EQ(run.code, SCRIPT_ERR_TYPE);
-    // The sub-script's own line, the call's line, then the caller's.
-    std::string expectedStart = "before\nType error near line 2";
-    EXPECT_EQ(run.output.rfind(expectedStart, 0), 0u) << run.output;
-    size_t marker = run.output.find("during executing\nin subscript \"sub.dcs\"\nType error near line 2/");
-    EXPECT_NE(marker, std::string::npos) << run.output;
-    EXPECT_EQ(run.output.find("never"), std::string::npos);
-}
-
-TEST_F(BuiltinSubScript, ExitInASubScriptEndsTheCaller) {
-    Write("e.dcs", "print(\"b\"); exit(); print(\"x\");");
-    TBUILTINRUN run = Run("print(\"a\"); executesubscript(\"e.dcs\"); print(\"c\");");
-    EXPECT_EQ(run.code, SCRIPT_ERR_EXIT);
-    EXPECT_EQ(run.output, "abin subscript \"e.dcs\"\n");
-}
-
-TEST_F(BuiltinSubScript, UnreadableSubScript) {
-    TBUILTINRUN run = Run("print(\"before\\n\");\nexecutesubscript(\"missing.dcs\");\n");
-    EXPECT_EQ(run.code, SCRIPT_ERR_SYSFUNC);
-    EXPECT_EQ(run.output.rfind("before\nSystem function failed near line 2", 0), 0u) << run.output;
-    EXPECT_EQ(run.output.find("in subscript"), std::string::npos);
-    EXPECT_EQ(Run("executesubscriptfunc(\"missing.dcs\", \"f\");").code, SCRIPT_ERR_SYSFUNC);
+TEST_F(BuiltinSubScript, FailuresOfTheCall) {
+    Write("lib.dcs", "func add(var int32 a, var int32 b) { add = a + b; }");
     std::filesystem::create_directory(m_native + "/folder");
-    EXPECT_EQ(Run("executesubscript(\"folder\");").code, SCRIPT_ERR_SYSFUNC);
-}
-
-TEST_F(BuiltinSubScript, ArgumentChecks) {
-    EXPECT_EQ(Run("executesubscript();").code, SCRIPT_ERR_PARAMCOUNT);
-    EXPECT_EQ(Run("executesubscript(\"a\", \"b\");").code, SCRIPT_ERR_PARAMCOUNT);
-    EXPECT_EQ(Run("executesubscript(1);").code, SCRIPT_ERR_TYPE);
-    EXPECT_EQ(Run("executesubscriptfunc(\"a\");").code, SCRIPT_ERR_PARAMCOUNT);
-    EXPECT_EQ(Run("executesubscriptfunc(\"a\", 1);").code, SCRIPT_ERR_TYPE);
-    EXPECT_EQ(Run("executesubscriptfunc(&print, \"f\");").code, SCRIPT_ERR_TYPE);
-    Write("lib.dcs", "func f(var int32 a) { f = a; }");
-    EXPECT_EQ(Run("executesubscriptfunc(\"lib.dcs\", \"f\", &print);").code, SCRIPT_ERR_TYPE);
-    EXPECT_EQ(Run("executesubscriptfunc(\"missing.dcs\", \"f\", &print);").code, SCRIPT_ERR_TYPE);  // before the file
+    struct {
+        const char* text;
+        uint32_t code;
+        bool named;  // the "in subscript" line follows the sub-script's own diagnostic
+    } cases[] = {
+        // Arguments are matched to the function's parameters there.
+        {"executesubscriptfunc(\"lib.dcs\", \"add\", 1);", SCRIPT_ERR_PARAMCOUNT, true},
+        {"executesubscriptfunc(\"lib.dcs\", \"nothing\");", SCRIPT_ERR_UNKNOWNIDENT, true},
+        // A file that cannot be read fails the call itself.
+        {"executesubscriptfunc(\"missing.dcs\", \"f\");", SCRIPT_ERR_SYSFUNC, false},
+        {"executesubscript(\"folder\");", SCRIPT_ERR_SYSFUNC, false},
+    };
+    for (const auto& c : cases) {
+        TBUILTINRUN run = Run(c.text);
+        EXPECT_EQ(run.code, c.code) << c.text;
+        EXPECT_EQ(run.output.find("in subscript \"") != std::string::npos, c.named) << run.output;
+    }
 }
 
 TEST_F(BuiltinSubScript, SharesFactoriesLimitsAndVariablesStayApart) {

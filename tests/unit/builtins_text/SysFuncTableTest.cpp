@@ -1,62 +1,57 @@
-// The table of built-ins: every name once, in registration order, each one a
-// function object that keeps its own count rule.
+// The table of built-ins: every name once, in registration order, with its
+// count rule and whether its arguments may be handed in place.
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
 #include "script/ScriptSysFunc.h"
 #include "scriptrt/SysFuncTable.h"
 
-TEST(BuiltinTable, AllBuiltinsInOrder) {
+TEST(BuiltinTable, OrderCountRulesAndArgumentsInPlace) {
     std::vector<CONXScriptSysFunc*> list;
     list.push_back(nullptr);  // the factory appends to what is there
     TSCRIPTSYSFUNCENV env = {nullptr, nullptr, nullptr};
     ScriptRuntimeFactory(env, &list);
     std::vector<std::unique_ptr<CONXScriptSysFunc>> owned(list.begin() + 1, list.end());
     EXPECT_EQ(list[0], nullptr);
-    std::vector<std::string> names;
-    for (auto& f : owned) {
-        names.push_back(f->GetName());
-        EXPECT_EQ(f->GetObjectKind(), 3u) << f->GetName();
-    }
-    const std::vector<std::string> expected = {
-        "print", "delay", "strlen", "substr", "instr", "strtodword", "strtouint32", "strtoint32",
-        "strtouint64", "strtoint64", "dwordtostr", "numtostr", "hexstrtodword", "hexstrtouint32",
-        "hexstrtoint32", "hexstrtouint64", "hexstrtoint64", "dwordtohexstr", "numtohexstr", "ascii",
-        "chr", "exit", "executesubscript", "executesubscriptfunc", "writestringtofile",
-        "readstringfromfile", "getfilesize", "getbasepath", "getsysdate", "getsystime",
-        "transmitstring", "receivestring", "transmitfile", "transmitfilefromstring", "executejobfile",
-        "messagebox", "userinputdword", "userinputuint32", "userinputint32", "userinputuint64",
-        "userinputint64", "userinputstring", "userlistinput"};
-    EXPECT_EQ(names, expected);
-    EXPECT_EQ(std::set<std::string>(names.begin(), names.end()).size(), names.size());
-}
-
-TEST(BuiltinTable, CountRules) {
-    std::vector<CONXScriptSysFunc*> list;
-    TSCRIPTSYSFUNCENV env = {nullptr, nullptr, nullptr};
-    ScriptRuntimeFactory(env, &list);
-    std::vector<std::unique_ptr<CONXScriptSysFunc>> owned(list.begin(), list.end());
-    // name -> the counts from 0 to 7 that it accepts, as a string of 0/1.
-    const std::pair<const char*, const char*> rules[] = {
-        {"print", "11111111"},        {"delay", "01000000"},       {"strlen", "01000000"},
-        {"substr", "00110000"},       {"instr", "00110000"},       {"strtoint64", "01000000"},
-        {"numtohexstr", "01000000"},  {"ascii", "01000000"},       {"chr", "01000000"},
-        {"exit", "10000000"},         {"executesubscript", "01000000"},
-        {"executesubscriptfunc", "00111111"},                      {"writestringtofile", "00111100"},
-        {"readstringfromfile", "01110000"},                        {"getfilesize", "01000000"},
-        {"getbasepath", "10000000"},  {"getsysdate", "10000000"},  {"getsystime", "10000000"},
+    // The counts from 0 to 7 that each accepts, and 31 and more as the last digit.
+    struct {
+        const char* name;
+        const char* counts;
+        bool inPlace;
+    } expected[] = {
+        {"print", "111111111", true}, {"delay", "010000000", false}, {"strlen", "010000000", true},
+        {"substr", "001100000", true}, {"instr", "001100000", true}, {"strtodword", "010000000", true},
+        {"strtouint32", "010000000", true}, {"strtoint32", "010000000", true},
+        {"strtouint64", "010000000", true}, {"strtoint64", "010000000", true},
+        {"dwordtostr", "010000000", true}, {"numtostr", "010000000", true},
+        {"hexstrtodword", "010000000", true}, {"hexstrtouint32", "010000000", true},
+        {"hexstrtoint32", "010000000", true}, {"hexstrtouint64", "010000000", true},
+        {"hexstrtoint64", "010000000", true}, {"dwordtohexstr", "010000000", true},
+        {"numtohexstr", "010000000", true}, {"ascii", "010000000", true}, {"chr", "010000000", true},
+        {"exit", "100000000", false}, {"executesubscript", "010000000", false},
+        {"executesubscriptfunc", "001111111", false}, {"writestringtofile", "001111000", false},
+        {"readstringfromfile", "011100000", false}, {"getfilesize", "010000000", false},
+        {"getbasepath", "100000000", false}, {"getsysdate", "100000000", false},
+        {"getsystime", "100000000", false}, {"transmitstring", "010000000", false},
+        {"receivestring", "100000000", false}, {"transmitfile", "000011000", false},
+        {"transmitfilefromstring", "000011000", false}, {"executejobfile", "011100000", false},
+        {"messagebox", "001000000", false}, {"userinputdword", "000101100", false},
+        {"userinputuint32", "000101100", false}, {"userinputint32", "000101100", false},
+        {"userinputuint64", "000101100", false}, {"userinputint64", "000101100", false},
+        {"userinputstring", "000110000", false}, {"userlistinput", "000011000", false},
     };
-    for (auto& rule : rules) {
-        CONXScriptSysFunc* f = nullptr;
-        for (auto& o : owned)
-            if (std::string(o->GetName()) == rule.first) f = o.get();
-        ASSERT_NE(f, nullptr) << rule.first;
+    ASSERT_EQ(owned.size(), std::size(expected));
+    for (size_t i = 0; i < owned.size(); i++) {
+        CONXScriptSysFunc* f = owned[i].get();
+        EXPECT_EQ(std::string(f->GetName()), expected[i].name) << i;
         std::string accepted;
-        for (size_t n = 0; n < 8; n++) accepted += f->CheckArgumentCount(n) ? '1' : '0';
-        EXPECT_EQ(accepted, rule.second) << rule.first;
+        for (size_t n : {0, 1, 2, 3, 4, 5, 6, 7, 31}) accepted += f->CheckArgumentCount(n) ? '1' : '0';
+        EXPECT_EQ(accepted, expected[i].counts) << f->GetName();
+        EXPECT_EQ(f->CheckArgumentCount(1000), accepted.back() == '1') << f->GetName();
+        EXPECT_EQ(f->m_readsArgumentsOnly, expected[i].inPlace) << f->GetName();
+        EXPECT_EQ(f->GetObjectKind(), 3u) << f->GetName();
     }
 }
