@@ -25,10 +25,11 @@ uint32_t ScriptCheckArguments(const TSCRIPTARGS& arguments, const char* signatur
     // Every failure is the same 10, so one pass over the arguments tells.
     bool letters = true;
     for (size_t i = 0; i < arguments.size(); i++) {
-        if (arguments[i]->GetObjectKind() != SCRIPT_OBJ_VARIABLE) return SCRIPT_ERR_TYPE;
+        // A variable's kind tag is its kind: a reference leads only to another variable.
+        if (arguments[i]->KindTag() != SCRIPT_OBJ_VARIABLE) return SCRIPT_ERR_TYPE;
         letters = letters && signature[i];
         if (!letters) continue;
-        uint32_t type = static_cast<CONXScriptVariable*>(arguments[i])->GetType();
+        uint32_t type = static_cast<CONXScriptVariable*>(arguments[i])->Resolved()->Type();
         if (signature[i] == 's' && type != SCRIPT_TYPE_STRING) return SCRIPT_ERR_TYPE;
         if (signature[i] == 'n' && !ScriptTypeIsNumeric(type)) return SCRIPT_ERR_TYPE;
     }

@@ -92,7 +92,7 @@ struct TSCRIPTSYSCALL {
 [[nodiscard]] uint32_t ScriptCheckArguments(const TSCRIPTARGS& arguments, const char* signature);
 
 // The built-in of one table entry for one run.
-class CONXScriptTableFunc : public CONXScriptSysFunc {
+class CONXScriptTableFunc final : public CONXScriptSysFunc {
 public:
     CONXScriptTableFunc(const TSCRIPTSYSFUNCDEF& def, const TSCRIPTSYSFUNCENV& env);
 

@@ -76,7 +76,12 @@ uint32_t Finish(const TSCRIPTSYSCALL& call, int32_t code, const std::string& fai
         call.Output(" -> OK\n");
         return 0;
     }
-    if (call.env.output) call.Output(("\n" + ErrorText(call, code) + failure).c_str());
+    if (call.env.output) {
+        std::string line = "\n";
+        line += ErrorText(call, code);
+        line += failure;
+        call.Output(line.c_str());
+    }
     return call.NumberOr(4, 0) != 0 ? 0 : SCRIPT_ERR_SYSFUNC;  // ignoreFailure
 }
 
