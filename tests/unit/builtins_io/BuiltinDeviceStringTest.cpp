@@ -44,18 +44,6 @@ TEST(BuiltinReceiveString, AsAStatementReadsNothing) {
     EXPECT_EQ(device.PendingReceive(), 7u);
 }
 
-TEST(BuiltinReceiveString, CollectsUntilTheDeviceHasNothingMore) {
-    CSimDevice device;
-    TExternal s("s", SCRIPT_TYPE_STRING);
-    // Loopback: what was sent comes back, NUL bytes included.
-    ASSERT_EQ(BuiltinIoRun("transmitstring(\"a\\0\"); transmitstring(\"b\"); s = receivestring();",
-                           &device, "", nullptr, &s.list).code, 0u);
-    EXPECT_EQ(s.variable.GetText(), std::string("a\0b", 3));
-    EXPECT_EQ(device.CallCount("Receive"), 2u);  // the bytes, then the empty answer
-    ASSERT_EQ(BuiltinIoRun("s = receivestring();", &device, "", nullptr, &s.list).code, 0u);
-    EXPECT_EQ(s.variable.GetText(), "");
-}
-
 TEST(BuiltinReceiveString, AChannelErrorKeepsWhatCameBefore) {
     CSimDevice device;
     TExternal s("s", SCRIPT_TYPE_STRING);

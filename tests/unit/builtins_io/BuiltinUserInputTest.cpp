@@ -20,8 +20,6 @@ TEST(BuiltinMessageBox, CaptionFirstThenText) {
     EXPECT_EQ(op.calls, 1);
     EXPECT_EQ(op.caption, "Title");
     EXPECT_EQ(op.message, "Body");
-    // Nobody to ask: the run goes on.
-    EXPECT_EQ(Ask("messagebox(\"a\", \"b\"); print(\"on\");", nullptr).output, "on");
 }
 
 TEST(BuiltinUserInputNum, DefaultIsClampedForTheQuestionButReturnedOnCancel) {
@@ -127,18 +125,6 @@ TEST(BuiltinUserListInput, ItemsSelectionAndResults) {
     int calls = op.calls;
     EXPECT_EQ(Ask("print(userlistinput(\"T\", \"P\", \"\", 0));", &op).output, "-1");
     EXPECT_EQ(op.calls, calls);
-}
-
-TEST(BuiltinUserInput, WithoutAnOperatorEverythingIsCancel) {
-    TBUILTINIORUN run = Ask(
-        "var dword c; c = 9;"
-        "print(userinputdword(\"T\", \"P\", 50, 10, 20, &c), \",\", c, \",\");"
-        "print(userinputstring(\"T\", \"P\", \"d\"), \",\");"
-        "print(userlistinput(\"T\", \"P\", \"a\\0\", 0), \",\");"
-        "print(userinputint32(\"T\", \"P\", 0, 5, 1));",
-        nullptr);
-    EXPECT_EQ(run.code, SCRIPT_ERR_SYSFUNC);  // inverted limits stay an error
-    EXPECT_EQ(run.output.rfind("50,0,d,-1,", 0), 0u) << run.output;
 }
 
 TEST(BuiltinUserInputCheck, ReadsLikeTheScannerAndNamesTheLimit) {
