@@ -2,6 +2,7 @@
 // results for OK and Cancel, limits, clamping, and runs without an operator.
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <string>
 
 #include "BuiltinIoTestRun.h"
@@ -22,71 +23,59 @@ TEST(BuiltinMessageBox, CaptionFirstThenText) {
     EXPECT_EQ(op.message, "Body");
 }
 
-TEST(BuiltinUserInputNum, DefaultIsClampedForTheQuestionButReturnedOnCancel) {
+TEST(BuiltinUserInputNum, QuestionsAndAnswers) {
+    const uint64_t kI32Min = (uint64_t)(int64_t)INT32_MIN, kI64Min = (uint64_t)INT64_MIN;
+    const bool ok = true, cancel = false;
+    struct {
+        const char* text;
+        bool ok;          // the operator's answer, with number
+        uint64_t number;
+        const char* output;
+        uint32_t type;    // what the question holds
+        uint64_t minimum, maximum, initial;
+    } cases[] = {
+        // The default is clamped for the question but returned on Cancel.
+        {"var dword c; c = 7; print(userinputdword(\"T\", \"P\", 50, 10, 20, &c), \",\", c);", cancel, 0,
+         "50,0", SCRIPT_TYPE_UINT32, 10, 20, 20},
+        {"print(userinputint32(\"T\", \"\", -100, -5, 5));", cancel, 0, "-100", SCRIPT_TYPE_INT32,
+         (uint64_t)-5, 5, (uint64_t)-5},
+        // OK gives the answer with the function's type; without limits the type's range.
+        {"var dword c; print(userinputdword(\"T\", \"P\", 50, 10, 20, &c), \",\", c);", ok, 15, "15,1",
+         SCRIPT_TYPE_UINT32, 10, 20, 20},
+        {"print(userinputint32(\"T\", \"P\", 0));", ok, (uint64_t)-3, "-3", SCRIPT_TYPE_INT32, kI32Min, INT32_MAX, 0},
+        {"print(userinputint64(\"T\", \"P\", 0));", ok, (uint64_t)-3, "-3", SCRIPT_TYPE_INT64, kI64Min, INT64_MAX, 0},
+        {"print(userinputuint64(\"T\", \"P\", 0));", ok, UINT64_MAX, "18446744073709551615", SCRIPT_TYPE_UINT64, 0,
+         UINT64_MAX, 0},
+        {"print(userinputuint32(\"T\", \"P\", 0));", ok, UINT32_MAX, "4294967295", SCRIPT_TYPE_UINT32, 0, UINT32_MAX, 0},
+        // Limits in the type's width and sign: -1 .. 1 is fine signed; 0x100000005 is 5 for a dword.
+        {"print(userinputint32(\"T\", \"P\", 0, -1, 1));", ok, 0, "0", SCRIPT_TYPE_INT32, (uint64_t)-1, 1, 0},
+        {"userinputdword(\"T\", \"P\", 7, 0x100000005, 9);", cancel, 0, "", SCRIPT_TYPE_UINT32, 5, 9, 7},
+        {"print(userinputuint64(\"T\", \"P\", 1, 4, 4));", cancel, 0, "1", SCRIPT_TYPE_UINT64, 4, 4, 4},
+        // An OK outside the limits counts as Cancel.
+        {"var dword c; c = 9; print(userinputdword(\"T\", \"P\", 50, 10, 20, &c), \",\", c);", ok, 25, "50,0",
+         SCRIPT_TYPE_UINT32, 10, 20, 20},
+    };
+    for (const auto& c : cases) {
+        CTestOperator op;
+        op.answer = c.ok ? OPERATOR_ANSWER_OK : OPERATOR_ANSWER_CANCEL;
+        op.number = c.number;
+        TBUILTINIORUN run = Ask(c.text, &op);
+        EXPECT_EQ(run.code, 0u) << c.text << "\n" << run.output;
+        EXPECT_EQ(run.output, c.output) << c.text;
+        EXPECT_EQ(op.calls, 1) << c.text;
+        EXPECT_EQ(op.caption, "T");
+        EXPECT_EQ(op.prompt, strstr(c.text, "\"\",") ? "Enter information" : "P") << c.text;
+        EXPECT_EQ(op.question.type, c.type) << c.text;
+        EXPECT_EQ(op.question.minimum, c.minimum) << c.text;
+        EXPECT_EQ(op.question.maximum, c.maximum) << c.text;
+        EXPECT_EQ(op.question.initial, c.initial) << c.text;
+    }
+    // Limits the wrong way round in the type's order fail before anything is asked.
     CTestOperator op;
-    op.answer = OPERATOR_ANSWER_CANCEL;
-    TBUILTINIORUN run = Ask("var dword c; c = 7; print(userinputdword(\"T\", \"P\", 50, 10, 20, &c), \",\", c);", &op);
-    ASSERT_EQ(run.code, 0u) << run.output;
-    EXPECT_EQ(run.output, "50,0");
-    EXPECT_EQ(op.question.initial, 20u);
-    EXPECT_EQ(op.question.minimum, 10u);
-    EXPECT_EQ(op.question.maximum, 20u);
-    EXPECT_EQ(op.question.type, (uint32_t)SCRIPT_TYPE_UINT32);
-    EXPECT_EQ(op.caption, "T");
-    EXPECT_EQ(op.prompt, "P");
-
-    // Below the minimum: raised to it.
-    run = Ask("print(userinputint32(\"T\", \"\", -100, -5, 5));", &op);
-    EXPECT_EQ(run.output, "-100");
-    EXPECT_EQ((int64_t)op.question.initial, -5);
-    EXPECT_EQ(op.prompt, "Enter information");  // the wording for an empty prompt
-}
-
-TEST(BuiltinUserInputNum, OkGivesTheAnswerWithTheFunctionsType) {
-    CTestOperator op;
-    op.number = 15;
-    TBUILTINIORUN run = Ask("var dword c; print(userinputdword(\"T\", \"P\", 50, 10, 20, &c), \",\", c);", &op);
-    EXPECT_EQ(run.output, "15,1");
-
-    op.number = (uint64_t)(int64_t)-3;
-    EXPECT_EQ(Ask("print(userinputint32(\"T\", \"P\", 0));", &op).output, "-3");
-    EXPECT_EQ(op.question.minimum, (uint64_t)(int64_t)INT32_MIN);
-    EXPECT_EQ(op.question.maximum, (uint64_t)INT32_MAX);
-    EXPECT_EQ(Ask("print(userinputint64(\"T\", \"P\", 0));", &op).output, "-3");
-    EXPECT_EQ(op.question.minimum, (uint64_t)INT64_MIN);
-    op.number = UINT64_MAX;
-    EXPECT_EQ(Ask("print(userinputuint64(\"T\", \"P\", 0));", &op).output, "18446744073709551615");
-    EXPECT_EQ(op.question.maximum, UINT64_MAX);
-    op.number = 4294967295u;
-    EXPECT_EQ(Ask("print(userinputuint32(\"T\", \"P\", 0));", &op).output, "4294967295");
-    EXPECT_EQ(op.question.maximum, 4294967295u);
-}
-
-TEST(BuiltinUserInputNum, LimitsInTheTypesWidthAndSign) {
-    CTestOperator op;
-    // Inverted limits fail before anything is asked.
-    EXPECT_EQ(Ask("userinputint32(\"T\", \"P\", 0, 5, 1);", &op).code, SCRIPT_ERR_SYSFUNC);
+    for (const char* text : {"userinputint32(\"T\", \"P\", 0, 5, 1);", "userinputdword(\"T\", \"P\", 0, -1, 1);",
+                             "userinputint64(\"T\", \"P\", 0, 0x100000005, 9);"})
+        EXPECT_EQ(Ask(text, &op).code, SCRIPT_ERR_SYSFUNC) << text;
     EXPECT_EQ(op.calls, 0);
-    // -1 .. 1 is fine signed, inverted unsigned (-1 is 4294967295 there).
-    op.number = 0;
-    EXPECT_EQ(Ask("print(userinputint32(\"T\", \"P\", 0, -1, 1));", &op).code, 0u);
-    EXPECT_EQ(Ask("userinputdword(\"T\", \"P\", 0, -1, 1);", &op).code, SCRIPT_ERR_SYSFUNC);
-    // Limits are cut to the type's width: 0x100000005 is 5 for a dword.
-    op.answer = OPERATOR_ANSWER_CANCEL;
-    EXPECT_EQ(Ask("userinputdword(\"T\", \"P\", 7, 0x100000005, 9);", &op).code, 0u);
-    EXPECT_EQ(op.question.minimum, 5u);
-    EXPECT_EQ(op.question.initial, 7u);
-    EXPECT_EQ(Ask("userinputint64(\"T\", \"P\", 0, 0x100000005, 9);", &op).code, SCRIPT_ERR_SYSFUNC);
-    // Equal limits are allowed.
-    EXPECT_EQ(Ask("print(userinputuint64(\"T\", \"P\", 1, 4, 4));", &op).output, "1");
-    EXPECT_EQ(op.question.initial, 4u);
-}
-
-TEST(BuiltinUserInputNum, AnOkOutsideTheLimitsCountsAsCancel) {
-    CTestOperator op;
-    op.number = 25;
-    EXPECT_EQ(Ask("var dword c; c = 9; print(userinputdword(\"T\", \"P\", 50, 10, 20, &c), \",\", c);", &op).output,
-              "50,0");
 }
 
 TEST(BuiltinUserInputString, OkAndCancel) {
