@@ -151,8 +151,11 @@ uint32_t ExecuteJobFile(const TSCRIPTSYSCALL& call) {
             call.Output(" -> OK\n");
         } else {
             // Names the job file as the script wrote it, not the entry.
-            if (call.env.output)
-                call.Output(("\n-> " + ErrorText(call, code) + " during ExecuteJobFile (" + jobFile + ")\n").c_str());
+            if (call.env.output) {
+                std::string line = "\n-> ";
+                line += ErrorText(call, code) + " during ExecuteJobFile (" + jobFile + ")\n";
+                call.Output(line.c_str());
+            }
             if (!failed) firstFailure = code;
             failed = true;
         }

@@ -13,7 +13,9 @@ using namespace ondbuiltin;
 constexpr bool kReads = true;    // reads its arguments only: they may be handed in place
 constexpr bool kCopies = false;  // gets by-value copies of its arguments
 
-constexpr TSCRIPTARGCOUNTS Args(uint32_t minimum, uint32_t maximum) { return ScriptArgCounts(minimum, maximum); }
+constexpr TSCRIPTARGCOUNTS Args(uint32_t minimum, uint32_t maximum) {
+    return ScriptArgCounts(minimum, maximum);
+}
 constexpr TSCRIPTARGCOUNTS Args(uint32_t exactly) { return ScriptArgCounts(exactly); }
 constexpr TSCRIPTARGCOUNTS kAny = ScriptArgCounts(0, kScriptArgsOpen);
 
