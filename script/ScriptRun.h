@@ -99,3 +99,12 @@ uint32_t RunScript(CONXScriptRunContext* context, COndDeviceComm_0* channel, con
                    const char* functionName,
                    const std::vector<CONXScriptVariable*>* functionArguments,
                    TSCRIPTOUTPUTFUNC output, void* outputContext, CONXScriptVariable* result);
+
+// Reads a script text as RunScript does, with the same predefined names, and
+// stops before anything runs: no statement executes, no built-in is called and
+// the channel is never touched. Returns the parser's error code (0 when the
+// text parses); on a failure the diagnostic line ("... during parsing") has
+// gone to output.
+uint32_t ParseScript(CONXScriptRunContext* context, const char* text,
+                     std::vector<CONXScriptVariable*>* externals, TSCRIPTOUTPUTFUNC output,
+                     void* outputContext);

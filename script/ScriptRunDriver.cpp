@@ -55,7 +55,7 @@ struct TRUNRESTORE {
 uint32_t Run(CONXScriptRunContext* context, CONXScriptExecContext* exec, COndDeviceComm_0* channel,
              std::vector<CONXScriptVariable*>* externals, const char* functionName,
              const std::vector<CONXScriptVariable*>* functionArguments, TSCRIPTOUTPUTFUNC output,
-             void* outputContext, CONXScriptVariable* result, const char** phase) {
+             void* outputContext, CONXScriptVariable* result, bool parseOnly, const char** phase) {
     std::unique_ptr<CONXScriptFunc> program(new CONXScriptFunc);
     program->SetName("@MAIN");
     CONXScriptVariable version;
@@ -78,7 +78,7 @@ uint32_t Run(CONXScriptRunContext* context, CONXScriptExecContext* exec, COndDev
 
     if (context->GetStopEvent()) context->GetStopEvent()->Reset();
     uint32_t code = program->ParseBody(exec, 0);
-    if (code) return code;
+    if (code || parseOnly) return code;
     *phase = "executing";
     if (functionName) {
         std::vector<CONXScriptObject*> list;
@@ -92,13 +92,12 @@ uint32_t Run(CONXScriptRunContext* context, CONXScriptExecContext* exec, COndDev
     return program->ExecuteBody(exec);
 }
 
-}  // namespace
-
-uint32_t RunScript(CONXScriptRunContext* context, COndDeviceComm_0* channel, const char* text,
-                   const char* scriptDirectory, std::vector<CONXScriptVariable*>* externals,
-                   const char* functionName,
-                   const std::vector<CONXScriptVariable*>* functionArguments,
-                   TSCRIPTOUTPUTFUNC output, void* outputContext, CONXScriptVariable* result) {
+// RunScript and ParseScript: the same setup, names and reporting.
+uint32_t Drive(CONXScriptRunContext* context, COndDeviceComm_0* channel, const char* text,
+               const char* scriptDirectory, std::vector<CONXScriptVariable*>* externals,
+               const char* functionName, const std::vector<CONXScriptVariable*>* functionArguments,
+               TSCRIPTOUTPUTFUNC output, void* outputContext, CONXScriptVariable* result,
+               bool parseOnly) {
     if (!context || !text) return SCRIPT_ERR_ILLEGALPARAM;
     uint32_t code = 0;
     const char* phase = "parsing";
@@ -132,7 +131,7 @@ uint32_t RunScript(CONXScriptRunContext* context, COndDeviceComm_0* channel, con
         context->m_pExec = exec.get();
         try {
             code = Run(context, exec.get(), channel, externals, functionName, functionArguments,
-                       output, outputContext, result, &phase);
+                       output, outputContext, result, parseOnly, &phase);
         } catch (const std::bad_alloc&) {
             code = SCRIPT_ERR_OUTOFMEMORY;
         } catch (const std::length_error&) {
@@ -155,4 +154,22 @@ uint32_t RunScript(CONXScriptRunContext* context, COndDeviceComm_0* channel, con
         }
     }
     return code;
+}
+
+}  // namespace
+
+uint32_t RunScript(CONXScriptRunContext* context, COndDeviceComm_0* channel, const char* text,
+                   const char* scriptDirectory, std::vector<CONXScriptVariable*>* externals,
+                   const char* functionName,
+                   const std::vector<CONXScriptVariable*>* functionArguments,
+                   TSCRIPTOUTPUTFUNC output, void* outputContext, CONXScriptVariable* result) {
+    return Drive(context, channel, text, scriptDirectory, externals, functionName,
+                 functionArguments, output, outputContext, result, false);
+}
+
+uint32_t ParseScript(CONXScriptRunContext* context, const char* text,
+                     std::vector<CONXScriptVariable*>* externals, TSCRIPTOUTPUTFUNC output,
+                     void* outputContext) {
+    return Drive(context, nullptr, text, nullptr, externals, nullptr, nullptr, output,
+                 outputContext, nullptr, true);
 }

@@ -10,6 +10,7 @@ namespace {
 
 const char kUsage[] =
     "usage: dcsrun [options] SCRIPT.dcs\n"
+    "       dcsrun --check [--set NAME=TYPE:VALUE]... SCRIPT.dcs...\n"
     "\n"
     "Runs a device script through the Script Processor and writes the script's\n"
     "output to standard output as it comes.\n"
@@ -34,6 +35,10 @@ const char kUsage[] =
     "  --sim-receive FILE           preloads the simulated device's receive queue with\n"
     "                               the bytes of FILE\n"
     "  --sim-receive-bytes N        preloads it with N bytes of \"0123456789\" repeated\n"
+    "  --check                      only read the scripts (and the sub-scripts they\n"
+    "                               name by a literal file name): no device, nothing\n"
+    "                               runs; each fault as \"SCRIPT: diagnostic\"; exit\n"
+    "                               status 0 when all parse, 21 when one does not\n"
     "  -h, --help                   this text\n"
     "\n"
     "--get writes one line per name, in the order given, whatever the run's result:\n"
@@ -104,11 +109,8 @@ bool ParseDcsOptions(int argc, const char* const* argv, TDCSOPTIONS* options, st
     for (int i = 1; i < argc; ++i) {
         std::string arg = argv[i];
         if (optionsEnd || arg.empty() || arg[0] != '-' || arg == "-") {
-            if (!options->script.empty()) {
-                *error = "more than one script given ('" + options->script + "', '" + arg + "')";
-                return false;
-            }
-            options->script = arg;
+            if (options->script.empty()) options->script = arg;
+            options->scripts.push_back(arg);
             continue;
         }
         if (arg == "--") {
@@ -121,6 +123,10 @@ bool ParseDcsOptions(int argc, const char* const* argv, TDCSOPTIONS* options, st
         }
         if (arg == "--batch") {
             options->batch = true;
+            continue;
+        }
+        if (arg == "--check") {
+            options->check = true;
             continue;
         }
         // Options with a value: "--opt value" or "--opt=value".
@@ -171,6 +177,11 @@ bool ParseDcsOptions(int argc, const char* const* argv, TDCSOPTIONS* options, st
     }
     if (options->script.empty()) {
         *error = "no script given";
+        return false;
+    }
+    if (options->scripts.size() > 1 && !options->check) {
+        *error = "more than one script given ('" + options->scripts[0] + "', '" +
+                 options->scripts[1] + "')";
         return false;
     }
     return true;

@@ -7,6 +7,8 @@
 
 struct TDCSOPTIONS {
     std::string script;
+    bool check = false;                // --check: parse only
+    std::vector<std::string> scripts;  // every script named (several only with --check)
     bool serial = false;        // else the simulated device
     std::string serialPort;
     uint32_t baud = 0;

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "host/console/ConsolePrompt.h"
+#include "host/dcsrun/DcsCheck.h"
 #include "host/dcsrun/DcsConsole.h"
 #include "host/dcsrun/DcsOptions.h"
 #include "host/dcsrun/DcsVariables.h"
@@ -125,6 +126,7 @@ int Main(int argc, char** argv) {
             return DCSRUN_EXIT_USAGE;
         }
     }
+    if (options.check) return DcsCheckScripts(options.scripts, variables.Records(), variables.Count());
     std::error_code ec;
     if (std::filesystem::is_directory(options.script, ec)) {
         fprintf(stderr, "dcsrun: %s: is a folder, not a script\n", options.script.c_str());

@@ -91,3 +91,20 @@ expect_contains("no type" "${err}" "expected NAME=TYPE:VALUE")
 run(0 --set Count=dword:0xFFFFFFFF "--set=Name=string:a\\tb\\(0)!" --set Big=int64:0 --get Name
     --get COUNT ${SCRIPTS}/variables.dcs)
 expect_equal("round trip" "${err}" "Name=string:a\\tb\\(0)!!\nCOUNT=dword:0\n")
+
+# --check: scripts are read, never run (good.dcs would loop for ever), and
+# the sub-scripts they name by a literal are read too, each once.
+file(COPY ${SCRIPTS}/check/ DESTINATION ${WORK})
+run(0 --check --set Count=dword:1 good.dcs)
+expect_equal("check good" "${out}" "")
+run(21 --check good.dcs)
+expect_equal("check without --set" "${out}"
+             "good.dcs: Unknown identifier near line 5/column 53 (offset 171) during parsing\n")
+run(21 --check --set Count=dword:1 bad.dcs lib/helper.dcs good.dcs)
+expect_equal("check bad" "${out}"
+             "bad.dcs: Syntax error near line 2/column 6 (offset 18) during parsing\nbad_sub.dcs: Unknown identifier near line 3/column 7 (offset 102) during parsing\n")
+run(8 --check --set Count=dword:1 good.dcs missing.dcs)
+expect_contains("check missing" "${err}" "dcsrun: missing.dcs: cannot open the script file (result 8)")
+run(21 --check bad.dcs missing.dcs)
+run(2 good.dcs bad.dcs)
+expect_contains("two scripts without --check" "${err}" "more than one script given")
