@@ -23,7 +23,15 @@
 #include <string>
 #include <vector>
 
-#ifndef _WIN32
+#ifdef _WIN32
+#ifndef WIN32_LEAN_AND_MEAN
+#define WIN32_LEAN_AND_MEAN
+#endif
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <windows.h>
+#else
 #include <sys/wait.h>
 #endif
 
@@ -43,7 +51,7 @@ struct TEXAMPLE {
     TBLOCK output;
 };
 
-bool ReadFile(const fs::path& path, std::string* text) {
+bool ReadText(const fs::path& path, std::string* text) {
     FILE* f = fopen(path.string().c_str(), "rb");
     if (!f) return false;
     char buffer[65536];
@@ -53,7 +61,7 @@ bool ReadFile(const fs::path& path, std::string* text) {
     return true;
 }
 
-bool WriteFile(const fs::path& path, const std::string& text) {
+bool WriteText(const fs::path& path, const std::string& text) {
     FILE* f = fopen(path.string().c_str(), "wb");
     if (!f) return false;
     bool ok = fwrite(text.data(), 1, text.size(), f) == text.size();
@@ -151,44 +159,65 @@ std::string Rendered(const std::string& raw) {
     return out;
 }
 
-std::string Quoted(const std::string& word) {
-#ifdef _WIN32
-    return "\"" + word + "\"";
-#else
-    return "'" + word + "'";
-#endif
-}
-
 // Runs the program with args in the current folder; false when it cannot be started.
+#ifdef _WIN32
+// A process of its own without a console: through cmd.exe and a console per
+// run, every example would cost seconds under Wine.
 bool Run(const std::string& program, const std::vector<std::string>& args, std::string* output,
          int* status) {
-    std::string line = Quoted(program);
-    for (const std::string& a : args) line += " " + Quoted(a);
-#ifdef _WIN32
-    for (char& c : line)
-        if (c == '/') c = '\\';
-    // cmd.exe takes a line that starts and ends with a quote only when the
-    // whole of it is quoted once more.
-    line = "\"" + line + " <NUL 2>&1\"";
-    FILE* pipe = _popen(line.c_str(), "rb");
+    std::string line = "\"" + program + "\"";
+    for (const std::string& a : args) line += " \"" + a + "\"";
+    SECURITY_ATTRIBUTES inherit = {sizeof inherit, nullptr, TRUE};
+    HANDLE readEnd = nullptr, writeEnd = nullptr;
+    if (!CreatePipe(&readEnd, &writeEnd, &inherit, 0)) return false;
+    SetHandleInformation(readEnd, HANDLE_FLAG_INHERIT, 0);
+    HANDLE nul = CreateFileA("NUL", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherit,
+                             OPEN_EXISTING, 0, nullptr);
+    STARTUPINFOA startup = {};
+    startup.cb = sizeof startup;
+    startup.dwFlags = STARTF_USESTDHANDLES;
+    startup.hStdInput = nul;
+    startup.hStdOutput = writeEnd;
+    startup.hStdError = writeEnd;
+    PROCESS_INFORMATION process = {};
+    BOOL started = CreateProcessA(nullptr, &line[0], nullptr, nullptr, TRUE, CREATE_NO_WINDOW,
+                                  nullptr, nullptr, &startup, &process);
+    CloseHandle(writeEnd);
+    if (nul != INVALID_HANDLE_VALUE) CloseHandle(nul);
+    if (!started) {
+        CloseHandle(readEnd);
+        return false;
+    }
+    char buffer[65536];
+    DWORD n = 0;
+    while (ReadFile(readEnd, buffer, sizeof buffer, &n, nullptr) && n > 0) output->append(buffer, n);
+    CloseHandle(readEnd);
+    WaitForSingleObject(process.hProcess, INFINITE);
+    DWORD code = 0;
+    GetExitCodeProcess(process.hProcess, &code);
+    CloseHandle(process.hProcess);
+    CloseHandle(process.hThread);
+    *status = (int)code;
+    return true;
+}
 #else
+bool Run(const std::string& program, const std::vector<std::string>& args, std::string* output,
+         int* status) {
+    std::string line = "'" + program + "'";
+    for (const std::string& a : args) line += " '" + a + "'";
     line += " </dev/null 2>&1";
     fflush(stdout);
     FILE* pipe = popen(line.c_str(), "r");
-#endif
     if (!pipe) return false;
     char buffer[65536];
     size_t n;
     while ((n = fread(buffer, 1, sizeof buffer, pipe)) > 0) output->append(buffer, n);
-#ifdef _WIN32
-    *status = _pclose(pipe);
-#else
     int rc = pclose(pipe);
     if (rc == -1 || !WIFEXITED(rc)) return false;
     *status = WEXITSTATUS(rc);
-#endif
     return true;
 }
+#endif
 
 std::string Shown(const std::string& text) {
     std::string out;
@@ -244,7 +273,7 @@ bool RunExample(const std::string& program, const fs::path& folder, const std::s
     if (expected.find("<folder>") != std::string::npos) {
         std::string base;
         int status = 0;
-        if (!WriteFile("probe.dcs", "print(getbasepath());") ||
+        if (!WriteText("probe.dcs", "print(getbasepath());") ||
             !Run(program, {"probe.dcs"}, &base, &status) || status != 0) {
             fprintf(stderr, "doc_examples: cannot ask dcsrun for the folder\n");
             return false;
@@ -255,12 +284,12 @@ bool RunExample(const std::string& program, const fs::path& folder, const std::s
     for (const TBLOCK& file : example.files) {
         const fs::path name = Words(file.info)[1];
         if (name.has_parent_path()) fs::create_directories(name.parent_path(), ec);
-        if (!WriteFile(name, file.text)) {
+        if (!WriteText(name, file.text)) {
             fprintf(stderr, "doc_examples: cannot write %s\n", Words(file.info)[1].c_str());
             return false;
         }
     }
-    if (!WriteFile("example.dcs", example.script.text)) {
+    if (!WriteText("example.dcs", example.script.text)) {
         fprintf(stderr, "doc_examples: cannot write example.dcs\n");
         return false;
     }
@@ -289,12 +318,13 @@ int main(int argc, char** argv) {
     }
     const std::string program = fs::absolute(argv[2]).string();
     const fs::path work = fs::absolute(argv[4]);
+    std::vector<std::string> pages;  // absolute: the runs change folders
+    for (int i = 5; i < argc; ++i) pages.push_back(fs::absolute(argv[i]).string());
     int failures = 0, count = 0;
-    for (int i = 5; i < argc; ++i) {
-        const std::string page = argv[i];
+    for (const std::string& page : pages) {
         std::string text;
         std::vector<TEXAMPLE> examples;
-        if (!ReadFile(page, &text)) {
+        if (!ReadText(page, &text)) {
             fprintf(stderr, "doc_examples: cannot read %s\n", page.c_str());
             return 2;
         }
