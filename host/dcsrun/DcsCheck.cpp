@@ -5,7 +5,6 @@
 #include <memory>
 #include <set>
 
-#include "frame/DeviceClient.h"
 #include "os/Platform.h"
 #include "script/ScriptErrors.h"
 #include "script/ScriptLexer.h"
@@ -13,6 +12,7 @@
 #include "script/ScriptValue.h"
 #include "scriptrt/FileNames.h"
 #include "scriptrt/SysFuncTable.h"
+#include "util/PathUtil.h"
 
 namespace {
 
@@ -68,7 +68,7 @@ std::vector<std::string> LiteralSubScripts(const std::string& text) {
 // How a sub-script is named in diagnostics: beside its caller as the caller
 // was named, or as written when the name is absolute.
 std::string SubScriptDisplay(const std::string& caller, const std::string& name) {
-    if (name[0] == '\\' || CONXDeviceClient::IsAbsolutePath(name)) return name;
+    if (name[0] == '\\' || ondutil::IsAbsolutePath(name)) return name;
     std::string native = name;
 #ifndef _WIN32
     for (char& c : native)
@@ -124,7 +124,7 @@ int DcsCheckScripts(const std::vector<std::string>& scripts, const TONX_SCRIPTVA
             fflush(stdout);
         }
         std::string folder;
-        CONXDeviceClient::SplitFileName(file.fullPath, &folder, nullptr);
+        ondutil::SplitFileName(file.fullPath, &folder, nullptr);
         for (const std::string& name : LiteralSubScripts(text)) {
             std::string path = ScriptResolveFileName(folder, name), fullPath;
             if (path.empty() || !OsFullPathName(path.c_str(), &fullPath)) continue;

@@ -30,8 +30,9 @@ TEST(BuiltinDocs, OneEntryPerBuiltin) {
         if (heading.compare(0, 4, "### ") != 0) continue;
         heading = heading.substr(4, heading.find_first_of("\r\n") - 4);
         // Entries are one lower-case word; the code tables' headings are not.
-        if (heading.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789") == std::string::npos)
+        if (heading.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789") == std::string::npos) {
             EXPECT_TRUE(documented.insert(heading).second) << "two entries for " << heading;
+        }
     }
     fclose(page);
     EXPECT_EQ(documented, registered);
