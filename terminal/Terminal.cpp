@@ -4,8 +4,14 @@
 
 uint32_t CONXTerminal::GetObjType() { return ONX_OBJTYPE_TERMINAL; }
 
-// The window of this object arrives with the Windows front end; until then
-// ShowDialogNonModal answers EONX_ERR_DIALOG.
-CONXDialog* CONXTerminal::CreateNewDialog(HWND) { return nullptr; }
-
+// The same routine serves the File Manager: the dialog's own destructor runs.
 void CONXTerminal::DeleteDialog(CONXDialog* dialog) { delete dialog; }
+
+EONX_ERR_ERRCODE_ CONXTerminal::ShowDialogNonModal(HWND parent) {
+    EONX_ERR_ERRCODE_ result = CONXDeviceClient::ShowDialogNonModal(parent);
+    if (result != EONX_ERR_NONE) return result;
+    FocusInputLine();
+    return EONX_ERR_NONE;
+}
+
+CONXTerminal::~CONXTerminal() {}
