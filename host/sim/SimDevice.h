@@ -25,8 +25,11 @@
 //   SIMDEV_ERR_CLOSED; GetInfoString, Lock, Unlock, GetState and the directory
 //   snapshot readers keep working.
 // - Fault injection: the k-th call of a named operation fails with a code.
+// - A talking device: after the queue, Receive can hand out a stream without
+//   end (a pattern repeated), at a given rate or as fast as it is read.
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <map>
@@ -124,6 +127,13 @@ public:
     std::string TakeTransmitted();                 // everything sent since the last call
     size_t PendingReceive();
     uint64_t ReceiveBytesMoved();  // copying done to cut off the consumed front
+    // From now on, once the receive queue is empty, Receive hands out
+    // `pattern` over and over: bytesPerSecond of it become available as time
+    // passes (0: as much as each Receive asks for, a device that never
+    // stops). An empty pattern ends the stream.
+    void SetReceiveStream(const std::string& pattern, uint64_t bytesPerSecond);
+    uint64_t StreamBytesReceived();  // stream bytes Receive has handed out
+    uint64_t StreamBacklog();        // available but not yet received (0 for "as fast as read")
     // The k-th (1-based) future call of `operation` (its name as in the
     // interface, e.g. "Transmit") fails with `code`: it does nothing else and
     // zeroes its out-values. k counts from now. Code 0 makes that call report
@@ -191,6 +201,8 @@ private:
                        uint8_t fileId, uint8_t fileType, uint32_t fileMode, uint32_t flag,
                        uint32_t steps, int32_t* result);
     void AppendReceive(const char* data, size_t length);
+    size_t ReadStream(char* buffer, uint32_t room);  // under m_mutex
+    uint64_t StreamAvailable() const;                // under m_mutex
 
     TConfig m_config;
     std::mutex m_mutex;
@@ -203,6 +215,10 @@ private:
     std::string m_receiveQueue;
     size_t m_receiveOffset = 0;
     uint64_t m_receiveBytesMoved = 0;  // bytes copied forward when cutting the front
+    std::string m_streamPattern;       // empty: no stream
+    uint64_t m_streamRate = 0;         // bytes per second; 0 = unlimited
+    uint64_t m_streamSent = 0;
+    std::chrono::steady_clock::time_point m_streamStart;
     std::string m_transmitted;
     std::map<uint8_t, TFileRecord> m_files;
     bool m_hasProgram = false;

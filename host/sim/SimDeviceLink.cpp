@@ -68,6 +68,7 @@ int32_t CSimDevice::Receive(char* buffer, uint32_t bufferSize, uint64_t* receive
             m_receiveQueue.erase(0, m_receiveOffset);
             m_receiveOffset = 0;
         }
+        count += ReadStream(buffer + count, bufferSize - static_cast<uint32_t>(count));
         *received = count;
         return SIMDEV_ERR_NONE;
     } catch (const std::bad_alloc&) {
@@ -75,6 +76,51 @@ int32_t CSimDevice::Receive(char* buffer, uint32_t bufferSize, uint64_t* receive
     } catch (...) {
         return SIMDEV_ERR_INTERNAL;
     }
+}
+
+size_t CSimDevice::ReadStream(char* buffer, uint32_t room) {
+    if (m_streamPattern.empty() || room == 0) return 0;
+    uint64_t count = room;
+    if (m_streamRate != 0) {
+        uint64_t available = StreamAvailable();
+        if (available < count) count = available;
+    }
+    size_t size = m_streamPattern.size();
+    for (uint64_t i = 0; i < count;) {
+        size_t at = static_cast<size_t>((m_streamSent + i) % size);
+        size_t n = static_cast<size_t>(std::min<uint64_t>(size - at, count - i));
+        std::memcpy(buffer + i, m_streamPattern.data() + at, n);
+        i += n;
+    }
+    m_streamSent += count;
+    return static_cast<size_t>(count);
+}
+
+// What the stream has made available and Receive has not taken (rated streams).
+uint64_t CSimDevice::StreamAvailable() const {
+    auto elapsed = std::chrono::duration_cast<std::chrono::microseconds>(
+        std::chrono::steady_clock::now() - m_streamStart);
+    uint64_t due = static_cast<uint64_t>(elapsed.count()) / 1000 * m_streamRate / 1000;
+    return due > m_streamSent ? due - m_streamSent : 0;
+}
+
+void CSimDevice::SetReceiveStream(const std::string& pattern, uint64_t bytesPerSecond) {
+    std::lock_guard<std::mutex> g(m_mutex);
+    m_streamPattern = pattern;
+    m_streamRate = bytesPerSecond;
+    m_streamSent = 0;
+    m_streamStart = std::chrono::steady_clock::now();
+}
+
+uint64_t CSimDevice::StreamBytesReceived() {
+    std::lock_guard<std::mutex> g(m_mutex);
+    return m_streamSent;
+}
+
+uint64_t CSimDevice::StreamBacklog() {
+    std::lock_guard<std::mutex> g(m_mutex);
+    if (m_streamPattern.empty() || m_streamRate == 0) return 0;
+    return StreamAvailable();
 }
 
 void CSimDevice::PreloadReceive(const std::string& bytes) {
