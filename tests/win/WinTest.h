@@ -53,3 +53,4 @@ void TestDialogs();
 void TestTemplates();
 void TestHost();
 void TestScriptWindow();
+void TestTerminalWindow();

@@ -74,6 +74,7 @@ int main(int argc, char** argv) {
     TestDialogs();
     TestTemplates();
     TestScriptWindow();
+    TestTerminalWindow();
     TestHost();
 
     std::printf("%d passed, %d failed\n", g_passed, g_failed);
