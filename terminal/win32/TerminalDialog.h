@@ -49,7 +49,7 @@ private:
     // Brings the list box up to the lines' changes since the last time.
     void ShowReceived();
     void ClearAnswers();
-    int MeasureLine(HDC dc, const std::string& line) const;
+    int MeasureLine(HDC dc, const int* charWidths, const std::string& line) const;
 
     void* m_hFont;  // HFONT, the stock fixed font: not owned
     uint32_t m_bAppendCR = 1;
