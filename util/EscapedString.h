@@ -1,4 +1,5 @@
-// The module's escaped-string syntax: "\n", "\(0x1B)" and the rest become bytes.
+// The module's escaped-string syntax: "\n", "\(0x1B)" and the rest become bytes,
+// and bytes shown in it.
 #pragma once
 
 #include <cstddef>
@@ -12,5 +13,12 @@ namespace ondutil {
 // Any of the three may be null.
 std::string ParseString(const char* input, size_t length, char terminator, size_t* endPos,
                         std::string* errorText, int* ok);
+
+// The other way: bytes as text that ParseString turns back into the same
+// bytes, on one line. Printable ASCII stays as it is, a backslash is "\\",
+// LF, CR and TAB are "\n", "\r", "\t", every other byte is "\(N)" in
+// decimal. (A double quote is not escaped: the text is meant for display and
+// for the Terminal's input line, where ParseString's terminator is 0.)
+std::string EscapeForDisplay(const char* bytes, size_t length);
 
 }  // namespace ondutil

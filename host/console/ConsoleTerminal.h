@@ -1,4 +1,12 @@
-// Whether dcsrun's standard input is a terminal someone types at (posix/, win32/).
+// The console as dcsrun and dcsterm meet it (posix/, win32/).
 #pragma once
 
+// Whether standard input is a terminal someone types at.
 bool ConsoleInputIsTerminal();
+
+// Standard input and output take bytes as they are (no "\r\n" for "\n").
+void ConsoleBinaryStreams();
+
+// Up to size bytes of standard input, read past the C library's buffer (no
+// lock of stdin is held while it waits); 0 at its end, -1 on an error.
+long ConsoleReadInput(char* buffer, unsigned long size);

@@ -1,26 +1,19 @@
 #include "host/dcsrun/DcsOptions.h"
 
-#include <cerrno>
-#include <cstdlib>
-#include <cstring>
-
-#include "host/serial/SerialChannel.h"
+#include <string>
 
 namespace {
 
-const char kUsage[] =
+const char kUsageHead[] =
     "usage: dcsrun [options] SCRIPT.dcs\n"
     "       dcsrun --check [--set NAME=TYPE:VALUE]... SCRIPT.dcs...\n"
     "\n"
     "Runs a device script through the Script Processor and writes the script's\n"
     "output to standard output as it comes.\n"
     "\n"
-    "options:\n"
-    "  --device sim                 the simulated device (default): loopback,\n"
-    "                               256 x 4096-byte storage\n"
-    "  --device serial:PORT[:BAUD]  a device on a serial port (COM3, /dev/ttyUSB0),\n"
-    "                               8N1, 115200 baud unless given; the raw port\n"
-    "                               cannot transfer files\n"
+    "options:\n";
+
+const char kUsageTail[] =
     "  --set NAME=TYPE:VALUE        hands a variable to the script (repeatable).\n"
     "                               TYPE: dword, uint32, int32, uint64, int64, string.\n"
     "                               Numbers in decimal or 0x hexadecimal, with '-' for\n"
@@ -32,9 +25,6 @@ const char kUsage[] =
     "                               is not a terminal): every question is answered as\n"
     "                               Cancel would, with its default value and confirmed\n"
     "                               0, and a note on standard error\n"
-    "  --sim-receive FILE           preloads the simulated device's receive queue with\n"
-    "                               the bytes of FILE\n"
-    "  --sim-receive-bytes N        preloads it with N bytes of \"0123456789\" repeated\n"
     "  --check                      only read the scripts (and the sub-scripts they\n"
     "                               name by a literal file name): no device, nothing\n"
     "                               runs; each fault as \"SCRIPT: diagnostic\"; exit\n"
@@ -55,57 +45,15 @@ const char kUsage[] =
     "  18 out of memory    20 the device is locked    21 the script failed\n"
     "  2 bad command line\n";
 
-bool ParseCount(const char* text, uint64_t* value) {
-    if (!*text || *text == '-') return false;
-    errno = 0;
-    char* end = nullptr;
-    unsigned long long v = strtoull(text, &end, 0);
-    if (errno || *end) return false;
-    *value = v;
-    return true;
-}
-
-bool ParseDevice(const std::string& device, TDCSOPTIONS* options, std::string* error) {
-    if (device == "sim") {
-        options->serial = false;
-        return true;
-    }
-    const std::string prefix = "serial:";
-    if (device.compare(0, prefix.size(), prefix) != 0) {
-        *error = "unknown device '" + device + "' (sim or serial:PORT[:BAUD])";
-        return false;
-    }
-    std::string port = device.substr(prefix.size());
-    uint32_t baud = SERIAL_DEFAULT_BAUD;
-    // The baud rate is a trailing ":digits"; a port name may hold colons itself.
-    size_t colon = port.rfind(':');
-    if (colon != std::string::npos && colon + 1 < port.size() &&
-        port.find_first_not_of("0123456789", colon + 1) == std::string::npos) {
-        uint64_t value = 0;
-        if (!ParseCount(port.c_str() + colon + 1, &value) || value == 0 || value > 4000000) {
-            *error = "bad baud rate in '" + device + "'";
-            return false;
-        }
-        baud = (uint32_t)value;
-        port.resize(colon);
-    }
-    if (port.empty()) {
-        *error = "no port in '" + device + "'";
-        return false;
-    }
-    options->serial = true;
-    options->serialPort = port;
-    options->baud = baud;
-    return true;
-}
-
 }  // namespace
 
-const char* DcsUsage() { return kUsage; }
+const char* DcsUsage() {
+    static const std::string usage = std::string(kUsageHead) + HostDeviceUsage() + kUsageTail;
+    return usage.c_str();
+}
 
 bool ParseDcsOptions(int argc, const char* const* argv, TDCSOPTIONS* options, std::string* error) {
     bool optionsEnd = false;
-    bool haveReceive = false;
     for (int i = 1; i < argc; ++i) {
         std::string arg = argv[i];
         if (optionsEnd || arg.empty() || arg[0] != '-' || arg == "-") {
@@ -137,8 +85,7 @@ bool ParseDcsOptions(int argc, const char* const* argv, TDCSOPTIONS* options, st
             name = arg.substr(0, eq);
             value = arg.substr(eq + 1);
         }
-        if (name != "--device" && name != "--set" && name != "--get" && name != "--sim-receive" &&
-            name != "--sim-receive-bytes") {
+        if (!IsHostDeviceOption(name) && name != "--set" && name != "--get") {
             *error = "unknown option '" + arg + "'";
             return false;
         }
@@ -149,8 +96,8 @@ bool ParseDcsOptions(int argc, const char* const* argv, TDCSOPTIONS* options, st
             }
             value = argv[++i];
         }
-        if (name == "--device") {
-            if (!ParseDevice(value, options, error)) return false;
+        if (IsHostDeviceOption(name)) {
+            if (!ParseHostDeviceOption(name, value, &options->device, error)) return false;
         } else if (name == "--set") {
             options->sets.push_back(value);
         } else if (name == "--get") {
@@ -159,22 +106,10 @@ bool ParseDcsOptions(int argc, const char* const* argv, TDCSOPTIONS* options, st
                 return false;
             }
             options->gets.push_back(value);
-        } else if (name == "--sim-receive") {
-            options->simReceiveFile = value;
-            haveReceive = true;
-        } else {
-            if (!ParseCount(value.c_str(), &options->simReceiveBytes)) {
-                *error = "bad byte count '" + value + "' for --sim-receive-bytes";
-                return false;
-            }
-            haveReceive = true;
         }
     }
     if (options->help) return true;
-    if (haveReceive && options->serial) {
-        *error = "--sim-receive and --sim-receive-bytes need the simulated device";
-        return false;
-    }
+    if (!CheckHostDeviceOptions(options->device, error)) return false;
     if (options->script.empty()) {
         *error = "no script given";
         return false;

@@ -5,18 +5,16 @@
 #include <string>
 #include <vector>
 
+#include "host/device/HostDevice.h"
+
 struct TDCSOPTIONS {
     std::string script;
     bool check = false;                // --check: parse only
     std::vector<std::string> scripts;  // every script named (several only with --check)
-    bool serial = false;        // else the simulated device
-    std::string serialPort;
-    uint32_t baud = 0;
+    THOSTDEVICEOPTIONS device;
     std::vector<std::string> sets;  // NAME=TYPE:VALUE, as given
     std::vector<std::string> gets;  // NAME
     bool batch = false;
-    std::string simReceiveFile;
-    uint64_t simReceiveBytes = 0;
     bool help = false;
 };
 

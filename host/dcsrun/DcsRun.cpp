@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
-#include <memory>
 #include <string>
 
 #include "host/console/ConsolePrompt.h"
@@ -13,8 +12,7 @@
 #include "host/dcsrun/DcsConsole.h"
 #include "host/dcsrun/DcsOptions.h"
 #include "host/dcsrun/DcsVariables.h"
-#include "host/serial/SerialChannel.h"
-#include "host/sim/SimDevice.h"
+#include "host/device/HostDevice.h"
 #include "os/Platform.h"
 #include "scriptrt/ScriptProcessor.h"
 
@@ -65,48 +63,6 @@ const char* ResultText(EONX_ERR_ERRCODE_ result) {
     }
 }
 
-bool ReadWholeFile(const std::string& path, std::string* bytes) {
-    FILE* f = fopen(path.c_str(), "rb");
-    if (!f) return false;
-    char buffer[65536];
-    size_t n;
-    while ((n = fread(buffer, 1, sizeof buffer, f)) > 0) bytes->append(buffer, n);
-    bool ok = !ferror(f);
-    fclose(f);
-    return ok;
-}
-
-// Builds the channel the options ask for; null with a message on failure.
-COndDeviceComm_0* OpenDevice(const TDCSOPTIONS& options, std::unique_ptr<CSimDevice>* sim,
-                             std::unique_ptr<CSerialChannel>* serial, int* exitCode) {
-    if (options.serial) {
-        serial->reset(new CSerialChannel);
-        std::string error;
-        if (!(*serial)->Open(options.serialPort, options.baud, &error)) {
-            fprintf(stderr, "dcsrun: serial port: %s\n", error.c_str());
-            *exitCode = EONX_ERR_NOCHANNEL;
-            return nullptr;
-        }
-        return serial->get();
-    }
-    sim->reset(new CSimDevice);
-    if (!options.simReceiveFile.empty()) {
-        std::string bytes;
-        if (!ReadWholeFile(options.simReceiveFile, &bytes)) {
-            fprintf(stderr, "dcsrun: cannot read %s\n", options.simReceiveFile.c_str());
-            *exitCode = DCSRUN_EXIT_USAGE;
-            return nullptr;
-        }
-        (*sim)->PreloadReceive(bytes);
-    }
-    if (options.simReceiveBytes) {
-        std::string bytes(options.simReceiveBytes, '\0');
-        for (uint64_t i = 0; i < options.simReceiveBytes; ++i) bytes[i] = (char)('0' + i % 10);
-        (*sim)->PreloadReceive(bytes);
-    }
-    return sim->get();
-}
-
 int Main(int argc, char** argv) {
     DcsBinaryOutput();
     TDCSOPTIONS options;
@@ -133,11 +89,17 @@ int Main(int argc, char** argv) {
         return EONX_ERR_FILEOPEN;
     }
 
-    int exitCode = 0;
-    std::unique_ptr<CSimDevice> sim;
-    std::unique_ptr<CSerialChannel> serial;
-    COndDeviceComm_0* device = OpenDevice(options, &sim, &serial, &exitCode);
-    if (!device) return exitCode;
+    CHostDevice host;
+    switch (host.Open(options.device, &error)) {
+    case HOSTDEVICE_OPENED: break;
+    case HOSTDEVICE_NOPORT:
+        fprintf(stderr, "dcsrun: serial port: %s\n", error.c_str());
+        return EONX_ERR_NOCHANNEL;
+    case HOSTDEVICE_NOFILE:
+        fprintf(stderr, "dcsrun: %s\n", error.c_str());
+        return DCSRUN_EXIT_USAGE;
+    }
+    COndDeviceComm_0* device = host.Channel();
 
     // The device outlives the processor, as a host's channel outlives its clients.
     CONXScriptProcessor processor;

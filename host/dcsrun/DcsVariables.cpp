@@ -138,20 +138,6 @@ TONX_SCRIPTVARIABLE DcsQueryRecord(const char* name) {
     return record;
 }
 
-std::string DcsEscapeText(const char* bytes, size_t length) {
-    std::string out;
-    for (size_t i = 0; i < length; ++i) {
-        unsigned char c = (unsigned char)bytes[i];
-        if (c == '\\') out += "\\\\";
-        else if (c == '\n') out += "\\n";
-        else if (c == '\r') out += "\\r";
-        else if (c == '\t') out += "\\t";
-        else if (c >= 32 && c <= 126) out += (char)c;
-        else out += "\\(" + std::to_string(c) + ")";
-    }
-    return out;
-}
-
 std::string DcsFormatVariable(const std::string& name, const TONX_SCRIPTVARIABLE& record,
                               bool found) {
     if (!found) return name + ": not set\n";
@@ -178,7 +164,7 @@ std::string DcsFormatVariable(const std::string& name, const TONX_SCRIPTVARIABLE
         value = number;
         break;
     case SCRIPT_TYPE_STRING:
-        value = DcsEscapeText((const char*)(uintptr_t)record.value, (size_t)record.length);
+        value = ondutil::EscapeForDisplay((const char*)(uintptr_t)record.value, (size_t)record.length);
         break;
     default:
         break;

@@ -30,7 +30,3 @@ TONX_SCRIPTVARIABLE DcsQueryRecord(const char* name);
 // "NAME=TYPE:VALUE\n" for a record that was found, "NAME: not set\n" otherwise.
 std::string DcsFormatVariable(const std::string& name, const TONX_SCRIPTVARIABLE& record,
                               bool found);
-
-// A string in the form --set reads back: printable bytes as they are, "\\",
-// "\n", "\r", "\t", and "\(N)" for every other byte.
-std::string DcsEscapeText(const char* bytes, size_t length);

@@ -1,5 +1,15 @@
 #include "host/console/ConsoleTerminal.h"
 
+#include <errno.h>
 #include <unistd.h>
 
 bool ConsoleInputIsTerminal() { return isatty(STDIN_FILENO) != 0; }
+
+void ConsoleBinaryStreams() {}  // POSIX streams never translate line ends
+
+long ConsoleReadInput(char* buffer, unsigned long size) {
+    for (;;) {
+        ssize_t n = read(STDIN_FILENO, buffer, size);
+        if (n >= 0 || errno != EINTR) return n < 0 ? -1 : static_cast<long>(n);
+    }
+}

@@ -1,0 +1,152 @@
+#include "host/device/HostDevice.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+
+#include "host/serial/SerialChannel.h"
+#include "host/sim/SimDevice.h"
+
+namespace {
+
+const char kUsage[] =
+    "  --device sim                 the simulated device (default): loopback,\n"
+    "                               256 x 4096-byte storage\n"
+    "  --device serial:PORT[:BAUD]  a device on a serial port (COM3, /dev/ttyUSB0),\n"
+    "                               8N1, 115200 baud unless given; the raw port\n"
+    "                               cannot transfer files\n"
+    "  --sim-receive FILE           preloads the simulated device's receive queue with\n"
+    "                               the bytes of FILE\n"
+    "  --sim-receive-bytes N        preloads it with N bytes of \"0123456789\" repeated\n"
+    "  --sim-talk RATE              the simulated device sends 80-byte lines without\n"
+    "                               end, RATE bytes a second (0: as fast as they are read)\n";
+
+bool ParseCount(const char* text, uint64_t* value) {
+    if (!*text || *text == '-') return false;
+    errno = 0;
+    char* end = nullptr;
+    unsigned long long v = strtoull(text, &end, 0);
+    if (errno || *end) return false;
+    *value = v;
+    return true;
+}
+
+bool ParseDevice(const std::string& device, THOSTDEVICEOPTIONS* options, std::string* error) {
+    if (device == "sim") {
+        options->serial = false;
+        return true;
+    }
+    const std::string prefix = "serial:";
+    if (device.compare(0, prefix.size(), prefix) != 0) {
+        *error = "unknown device '" + device + "' (sim or serial:PORT[:BAUD])";
+        return false;
+    }
+    std::string port = device.substr(prefix.size());
+    uint32_t baud = SERIAL_DEFAULT_BAUD;
+    // The baud rate is a trailing ":digits"; a port name may hold colons itself.
+    size_t colon = port.rfind(':');
+    if (colon != std::string::npos && colon + 1 < port.size() &&
+        port.find_first_not_of("0123456789", colon + 1) == std::string::npos) {
+        uint64_t value = 0;
+        if (!ParseCount(port.c_str() + colon + 1, &value) || value == 0 || value > 4000000) {
+            *error = "bad baud rate in '" + device + "'";
+            return false;
+        }
+        baud = (uint32_t)value;
+        port.resize(colon);
+    }
+    if (port.empty()) {
+        *error = "no port in '" + device + "'";
+        return false;
+    }
+    options->serial = true;
+    options->serialPort = port;
+    options->baud = baud;
+    return true;
+}
+
+bool ReadWholeFile(const std::string& path, std::string* bytes) {
+    FILE* f = fopen(path.c_str(), "rb");
+    if (!f) return false;
+    char buffer[65536];
+    size_t n;
+    while ((n = fread(buffer, 1, sizeof buffer, f)) > 0) bytes->append(buffer, n);
+    bool ok = !ferror(f);
+    fclose(f);
+    return ok;
+}
+
+}  // namespace
+
+bool IsHostDeviceOption(const std::string& name) {
+    return name == "--device" || name == "--sim-receive" || name == "--sim-receive-bytes" ||
+           name == "--sim-talk";
+}
+
+bool ParseHostDeviceOption(const std::string& name, const std::string& value,
+                           THOSTDEVICEOPTIONS* options, std::string* error) {
+    if (name == "--device") return ParseDevice(value, options, error);
+    if (name == "--sim-receive") {
+        options->simReceiveFile = value;
+        return true;
+    }
+    uint64_t* count = name == "--sim-talk" ? &options->simTalkRate : &options->simReceiveBytes;
+    if (!ParseCount(value.c_str(), count)) {
+        *error = "bad byte count '" + value + "' for " + name;
+        return false;
+    }
+    if (name == "--sim-talk") options->simTalk = true;
+    return true;
+}
+
+bool CheckHostDeviceOptions(const THOSTDEVICEOPTIONS& options, std::string* error) {
+    if (options.serial &&
+        (!options.simReceiveFile.empty() || options.simReceiveBytes || options.simTalk)) {
+        *error = "--sim-receive, --sim-receive-bytes and --sim-talk need the simulated device";
+        return false;
+    }
+    return true;
+}
+
+const char* HostDeviceUsage() { return kUsage; }
+
+std::string HostDeviceTalkLine() {
+    std::string line(78, ' ');
+    for (size_t i = 0; i < line.size(); ++i) line[i] = (char)('!' + i % 94);
+    return line + "\r\n";
+}
+
+CHostDevice::CHostDevice() {}
+CHostDevice::~CHostDevice() {}
+
+COndDeviceComm_0* CHostDevice::Channel() const {
+    if (m_serial) return m_serial.get();
+    return m_sim.get();
+}
+
+EHOSTDEVICEOPEN CHostDevice::Open(const THOSTDEVICEOPTIONS& options, std::string* error) {
+    if (options.serial) {
+        m_serial.reset(new CSerialChannel);
+        if (!m_serial->Open(options.serialPort, options.baud, error)) {
+            m_serial.reset();
+            return HOSTDEVICE_NOPORT;
+        }
+        return HOSTDEVICE_OPENED;
+    }
+    m_sim.reset(new CSimDevice);
+    if (!options.simReceiveFile.empty()) {
+        std::string bytes;
+        if (!ReadWholeFile(options.simReceiveFile, &bytes)) {
+            *error = "cannot read " + options.simReceiveFile;
+            return HOSTDEVICE_NOFILE;
+        }
+        m_sim->PreloadReceive(bytes);
+    }
+    if (options.simReceiveBytes) {
+        std::string bytes(options.simReceiveBytes, '\0');
+        for (uint64_t i = 0; i < options.simReceiveBytes; ++i) bytes[i] = (char)('0' + i % 10);
+        m_sim->PreloadReceive(bytes);
+    }
+    if (options.simTalk) m_sim->SetReceiveStream(HostDeviceTalkLine(), options.simTalkRate);
+    return HOSTDEVICE_OPENED;
+}
