@@ -268,8 +268,7 @@ int Main(int argc, char** argv) {
     switch (device.Open(options.device, &error)) {
     case HOSTDEVICE_OPENED: break;
     case HOSTDEVICE_NOPORT:
-        std::fprintf(stderr, "dcsterm: cannot open serial port %s: %s\n",
-                     options.device.serialPort.c_str(), error.c_str());
+        std::fprintf(stderr, "dcsterm: serial port: %s\n", error.c_str());
         return DCSTERM_EXIT_NODEVICE;
     case HOSTDEVICE_NOFILE:
         std::fprintf(stderr, "dcsterm: %s\n", error.c_str());

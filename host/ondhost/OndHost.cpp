@@ -1,16 +1,18 @@
 // ondhost.exe: the reference host. It loads OndDeviceClient.dll only through
 // its five exports, creates one instance of every object type, connects each
-// to a simulated device, opens their non-modal dialogs over its own window and
-// hears of dialog events by the route chosen on the command line.
+// to the device, opens their non-modal dialogs side by side over its own
+// window and hears of dialog events by the route chosen on the command line.
 //
 //   ondhost.exe [--route callback|window|thread] [--dll <path>] [--exit-after <ms>]
-//               [--run <script.dcs>]
+//               [--run <script.dcs>] [--device sim|serial:PORT[:BAUD]]
 //
 // --run picks the script in the Script Processor's window and starts it
-// there, so that its log fills while one watches. The simulated device is
-// the only channel.
+// there, so that its log fills while one watches. The device is the
+// simulated one unless --device names a serial port (the channel dcsrun and
+// dcsterm use); a port that cannot be opened ends the host with a message.
 #include <windows.h>
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -19,6 +21,7 @@
 #include <vector>
 
 #include "frame/DeviceClient.h"
+#include "host/device/HostDevice.h"
 #include "host/sim/SimDevice.h"
 
 namespace {
@@ -57,7 +60,8 @@ struct THost {
     FnDeleteInstance deleteInstance = nullptr;
     ERoute route = ROUTE_CALLBACK;
     std::vector<TObject> objects;
-    CSimDevice* device = nullptr;
+    COndDeviceComm_0* channel = nullptr;
+    CSimDevice* sim = nullptr;  // null for a serial port
     HWND window = nullptr;
     HWND log = nullptr;
     UINT exitAfter = 0;
@@ -143,7 +147,7 @@ void CreateObjects() {
         Log("  %u: 0x%04X \"%s\"", i, object.type, object.name.c_str());
         object.client = g_host.createInstance(object.type);
         if (object.client) {
-            object.client->Connect(g_host.device);
+            object.client->Connect(g_host.channel);
             _TONX_DLGEVENTDATA data = {};
             if (g_host.route == ROUTE_CALLBACK) data.callback = HostEventCallback;
             if (g_host.route == ROUTE_WINDOW) {
@@ -206,28 +210,56 @@ void CreateControls(HWND hwnd) {
         make("BUTTON", "Close", BS_PUSHBUTTON | WS_TABSTOP, IDC_CLOSE + int(i));
         make("STATIC", "", SS_LEFT, IDC_STATE + int(i));
     }
-    HWND open = make("BUTTON", "Channel open", BS_AUTOCHECKBOX | WS_TABSTOP, IDC_CHANNELOPEN);
-    SendMessageA(open, BM_SETCHECK, BST_CHECKED, 0);
+    if (g_host.sim) {  // a real port is open or closed by itself
+        HWND open = make("BUTTON", "Channel open", BS_AUTOCHECKBOX | WS_TABSTOP, IDC_CHANNELOPEN);
+        SendMessageA(open, BM_SETCHECK, BST_CHECKED, 0);
+    }
 }
 
-// The dialogs are pop-ups owned by this window; each new one is put over its
-// client area, cascaded, so that they open inside it.
-BOOL CALLBACK PlaceOwnedWindow(HWND hwnd, LPARAM placed) {
-    auto* done = reinterpret_cast<std::vector<HWND>*>(placed);
-    if (GetWindow(hwnd, GW_OWNER) != g_host.window || !IsWindowVisible(hwnd)) return TRUE;
-    for (HWND seen : *done)
-        if (seen == hwnd) return TRUE;
-    POINT origin = {240 + 24 * int(done->size() % 8), 8 + 24 * int(done->size() % 8)};
-    ClientToScreen(g_host.window, &origin);
-    SetWindowPos(hwnd, nullptr, origin.x, origin.y, 0, 0,
-                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-    done->push_back(hwnd);
-    return TRUE;
-}
-
+// The dialogs are pop-ups owned by this window. New ones are put side by
+// side in the order they were shown, over the host's client area right of its
+// buttons; a row that would leave the screen moves left (over the buttons if
+// need be), and wraps onto a lower row when even that is not enough.
 void PlaceDialogs() {
     static std::vector<HWND> placed;
-    EnumThreadWindows(GetCurrentThreadId(), PlaceOwnedWindow, reinterpret_cast<LPARAM>(&placed));
+    std::vector<HWND> windows;  // the thread's windows, newest first
+    EnumThreadWindows(GetCurrentThreadId(), [](HWND hwnd, LPARAM list) {
+        reinterpret_cast<std::vector<HWND>*>(list)->push_back(hwnd);
+        return TRUE;
+    }, reinterpret_cast<LPARAM>(&windows));
+    std::vector<HWND> fresh;
+    for (auto it = windows.rbegin(); it != windows.rend(); ++it) {
+        HWND hwnd = *it;
+        if (GetWindow(hwnd, GW_OWNER) != g_host.window || !IsWindowVisible(hwnd)) continue;
+        bool known = false;
+        for (HWND seen : placed) known = known || seen == hwnd;
+        if (!known) fresh.push_back(hwnd);
+    }
+    if (fresh.empty()) return;
+    const int gap = 8;
+    int total = -gap;
+    for (HWND hwnd : fresh) {
+        RECT r;
+        GetWindowRect(hwnd, &r);
+        total += r.right - r.left + gap;
+    }
+    POINT client = {0, 0};
+    ClientToScreen(g_host.window, &client);
+    int screen = GetSystemMetrics(SM_CXSCREEN);
+    int left = client.x + 240;
+    if (left + total > screen) left = std::max<int>(gap, screen - total - gap);
+    int x = left, y = client.y + 8 + 24 * int(placed.size() % 8);
+    for (HWND hwnd : fresh) {
+        RECT r;
+        GetWindowRect(hwnd, &r);
+        if (x > left && x + (r.right - r.left) > screen) {
+            x = left;
+            y += 40;
+        }
+        SetWindowPos(hwnd, nullptr, x, y, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+        x += r.right - r.left + gap;
+        placed.push_back(hwnd);
+    }
 }
 
 BOOL CALLBACK FindScriptWindow(HWND hwnd, LPARAM found) {
@@ -255,15 +287,20 @@ void RunInScriptWindow(const std::string& path) {
 
 LRESULT CALLBACK HostWindowProc(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lParam) {
     switch (msg) {
-        case WM_CREATE:
+        case WM_CREATE: {
             g_host.window = hwnd;
             CreateLog(hwnd);
+            const char* description = g_host.channel->GetInfoString(0, 0);
+            std::string what = description ? description : "?";
+            const char* configuration = g_host.channel->GetInfoString(1, 0);
+            Log("device: %s (%s)", what.c_str(), configuration ? configuration : "");
             CreateObjects();
             CreateControls(hwnd);
             Layout(hwnd);
             SetTimer(hwnd, TIMER_STATE, 500, nullptr);
             if (g_host.exitAfter) SetTimer(hwnd, TIMER_EXIT, g_host.exitAfter, nullptr);
             return 0;
+        }
         case WM_SIZE: Layout(hwnd); return 0;
         case WM_COMMAND: {
             int id = LOWORD(wParam);
@@ -275,7 +312,7 @@ LRESULT CALLBACK HostWindowProc(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lPara
             } else if (id == IDC_CHANNELOPEN) {
                 bool open = SendMessageA(GetDlgItem(hwnd, IDC_CHANNELOPEN), BM_GETCHECK, 0, 0) ==
                             BST_CHECKED;
-                g_host.device->SetState(open ? 1 : 2);
+                if (g_host.sim) g_host.sim->SetState(open ? 1 : 2);
                 Log("simulated channel %s", open ? "opened" : "closed");
             }
             return 0;
@@ -335,10 +372,16 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int show) {
     dllPath.resize(dllPath.rfind('\\') + 1);
     dllPath += "OndDeviceClient.dll";
 
+    THOSTDEVICEOPTIONS deviceOptions;
+    std::string error;
     for (int i = 1; i < __argc; ++i) {
         std::string arg = __argv[i];
         std::string value = i + 1 < __argc ? __argv[i + 1] : "";
-        if (arg == "--route" && !value.empty()) {
+        if (IsHostDeviceOption(arg) && !value.empty()) {
+            if (!ParseHostDeviceOption(arg, value, &deviceOptions, &error))
+                return Fail(("ondhost: " + error).c_str());
+            ++i;
+        } else if (arg == "--route" && !value.empty()) {
             if (value == "callback") g_host.route = ROUTE_CALLBACK;
             else if (value == "window") g_host.route = ROUTE_WINDOW;
             else if (value == "thread") g_host.route = ROUTE_THREAD;
@@ -357,13 +400,26 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int show) {
             ++i;
         } else {
             return Fail("usage: ondhost [--route callback|window|thread] [--dll <path>] "
-                        "[--exit-after <ms>] [--run <script.dcs>]");
+                        "[--exit-after <ms>] [--run <script.dcs>] "
+                        "[--device sim|serial:PORT[:BAUD]]");
         }
     }
+    if (!CheckHostDeviceOptions(deviceOptions, &error)) return Fail(("ondhost: " + error).c_str());
+
+    // The device first: it outlives every object of the module.
+    CHostDevice device;
+    switch (device.Open(deviceOptions, &error)) {
+    case HOSTDEVICE_OPENED: break;
+    case HOSTDEVICE_NOPORT:
+        return Fail(("The serial port cannot be opened:\n" + error +
+                     "\n\nondhost ends. Name another port with --device serial:PORT[:BAUD], "
+                     "or leave --device out for the simulated device.").c_str());
+    case HOSTDEVICE_NOFILE: return Fail(("ondhost: " + error).c_str());
+    }
+    g_host.channel = device.Channel();
+    g_host.sim = device.Sim();
 
     if (!LoadModule(dllPath)) return Fail(("Cannot load " + dllPath).c_str());
-    CSimDevice device;
-    g_host.device = &device;
 
     WNDCLASSA wc = {};
     wc.lpfnWndProc = HostWindowProc;
@@ -375,7 +431,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int show) {
     static const char* kRouteNames[] = {"callback", "window message", "thread message"};
     std::string title = std::string("OndDeviceClient reference host - events by ") +
                         kRouteNames[g_host.route];
-    HWND hwnd = CreateWindowA("OndHostWindow", title.c_str(), WS_OVERLAPPEDWINDOW, 40, 40, 1100,
+    HWND hwnd = CreateWindowA("OndHostWindow", title.c_str(), WS_OVERLAPPEDWINDOW, 20, 20, 1240,
                               760, nullptr, nullptr, instance, nullptr);
     if (!hwnd) return Fail("Cannot create the host window");
     ShowWindow(hwnd, show);

@@ -71,10 +71,65 @@ void TestHostRunsDemo() {
     EndHost(host, &process);
 }
 
+// The Terminal opens in the host beside the other dialogs, on the simulated
+// device: a line typed into it comes back into its list (loopback).
+void TestHostTerminal(DWORD processId) {
+    HWND terminal = WaitForWindow(processId, "#32770", "Terminal");
+    CHECK(terminal != nullptr);
+    if (!terminal) return;
+    HWND script = WaitForWindow(processId, "#32770", "Script processor");
+    RECT a, b;
+    if (script && GetWindowRect(terminal, &a) && GetWindowRect(script, &b)) {
+        RECT overlap;
+        CHECK(!IntersectRect(&overlap, &a, &b));  // beside, not over each other
+    }
+    HWND input = GetDlgItem(terminal, IDC_TERM_INPUT);
+    // A click into the input line gives it the focus, as a user's would.
+    PostMessageA(input, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 5));
+    PostMessageA(input, WM_LBUTTONUP, 0, MAKELPARAM(5, 5));
+    for (const char* c = "ping"; *c; ++c) PostMessageA(input, WM_CHAR, *c, 1);
+    PostMessageA(input, WM_KEYDOWN, VK_RETURN, 1);
+    HWND list = GetDlgItem(terminal, IDC_TERM_ANSWERS);
+    DWORD start = GetTickCount();
+    while (GetTickCount() - start < 10000 && SendMessageA(list, LB_GETCOUNT, 0, 0) < 1) PumpMessages(50);
+    CHECK_EQ_STR(ItemText(terminal, IDC_TERM_STATUS), "Wrote \"ping\\r\" to device.");
+    CHECK(SendMessageA(list, LB_GETCOUNT, 0, 0) == 1);
+    CHECK_EQ_STR(ItemText(terminal, IDC_TERM_INPUT), "");
+    SaveScreenshot(terminal, "ondhost-terminal");
+}
+
+// A serial port that cannot be opened: a message that says so, and the host
+// ends with status 1.
+void TestHostBadPort() {
+    PROCESS_INFORMATION process;
+    bool started = StartHost("--device serial:COM97", &process);
+    CHECK(started);
+    if (!started) return;
+    HWND box = WaitForWindow(process.dwProcessId, "#32770", "ondhost");
+    CHECK(box != nullptr);
+    std::string text;
+    for (HWND child = box ? GetWindow(box, GW_CHILD) : nullptr; child; child = GetWindow(child, GW_HWNDNEXT)) {
+        char cls[16] = "";
+        GetClassNameA(child, cls, sizeof cls);
+        if (_stricmp(cls, "Static") == 0 && !WindowText(child).empty()) text = WindowText(child);
+    }
+    std::printf("ondhost --device serial:COM97: \"%s\"\n", text.c_str());
+    CHECK(text.rfind("The serial port cannot be opened:\ncannot open COM97: ", 0) == 0);
+    if (box) PostMessageA(box, WM_COMMAND, IDOK, 0);
+    CHECK(WaitForSingleObject(process.hProcess, 30000) == WAIT_OBJECT_0);
+    DWORD code = 99;
+    GetExitCodeProcess(process.hProcess, &code);
+    CHECK(code == 1);
+    if (code == STILL_ACTIVE) TerminateProcess(process.hProcess, 1);
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
+}
+
 }  // namespace
 
 void TestHost() {
     TestHostRunsDemo();
+    TestHostBadPort();
     PROCESS_INFORMATION process;
     bool started = StartHost("--route window", &process);
     CHECK(started);
@@ -97,6 +152,7 @@ void TestHost() {
         // texts read from another process, so only the count is checked.)
         CHECK(SendMessageA(GetDlgItem(host, 100), LB_GETCOUNT, 0, 0) >= 7);
         SaveScreenshot(host, "ondhost");
+        TestHostTerminal(process.dwProcessId);
     }
     EndHost(host, &process);
 }
