@@ -203,7 +203,10 @@ TEST(DcstermPty, ADeviceThatNeverStopsTalkingDoesNotGrowMemory) {
                 "%ld KiB after %.0f s\n", bytes / 1e6 / seconds, early, late, seconds);
     EXPECT_GT(bytes, 1000000u);
     EXPECT_GT(early, 0);
+#if !defined(__SANITIZE_ADDRESS__)
+    // (AddressSanitizer keeps freed memory in quarantine: not a measure there.)
     EXPECT_LT(late - early, 2048);
+#endif
     kill(pid, SIGTERM);
     WaitExit(pid, 5000);
     close(input);
