@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Builds every configuration and runs every test:
+# Checks that includes point down the layers, builds every configuration and
+# runs every test:
 #   native (g++), sanitize (g++ with ASan+UBSan), windows (mingw-w64, tests
 #   under Wine, headless), fuzz (clang + libFuzzer, each harness for FUZZ_SECONDS).
 # Usage: tools/test.sh            (from the repository root)
@@ -12,6 +13,9 @@ bash tools/deps.sh
 JOBS=${JOBS:-$(nproc)}
 FUZZ_SECONDS=${FUZZ_SECONDS:-60}
 fail=0
+
+echo "== layers"
+python3 tools/check-layers.py || fail=1
 
 configure_build() {  # dir, cmake args...
     local dir=$1

@@ -6,7 +6,7 @@
 
 #include "filemanager/FileManager.h"
 #include "frame/Dialog.h"
-#include "frame/ModuleEntry.h"
+#include "module/ModuleEntry.h"
 #include "host/sim/SimDevice.h"
 #include "terminal/Terminal.h"
 

@@ -1,4 +1,6 @@
-// The module's five exported entry functions (C linkage, undecorated names).
+// The module's five exported entry functions (C linkage, undecorated names),
+// and the object factory behind them: the top of the module, the only place
+// that knows every kind of object.
 #pragma once
 
 #include <cstdint>

@@ -1,6 +1,6 @@
-// The object factory behind the five exports. Nothing thrown inside the
-// module may cross these functions.
-#include "frame/ModuleEntry.h"
+// The object factory behind the five exports: one table, in the order the
+// host lists the kinds. Nothing thrown inside the module crosses these functions.
+#include "module/ModuleEntry.h"
 
 #include <new>
 
@@ -10,15 +10,21 @@
 
 namespace {
 
+template <class T>
+CONXDeviceClient* Make() {
+    return new (std::nothrow) T();
+}
+
 struct TObjectKind {
     uint32_t type;
     const char* name;
+    CONXDeviceClient* (*make)();
 };
 
 const TObjectKind kObjectKinds[] = {
-    {ONX_OBJTYPE_TERMINAL, "Terminal"},
-    {ONX_OBJTYPE_FILEMANAGER, "File Manager"},
-    {ONX_OBJTYPE_SCRIPTPROCESSOR, "Script Processor"},
+    {ONX_OBJTYPE_TERMINAL, "Terminal", Make<CONXTerminal>},
+    {ONX_OBJTYPE_FILEMANAGER, "File Manager", Make<CONXFileManager>},
+    {ONX_OBJTYPE_SCRIPTPROCESSOR, "Script Processor", Make<CONXScriptProcessor>},
 };
 const uint32_t kObjectKindCount = sizeof kObjectKinds / sizeof kObjectKinds[0];
 
@@ -26,11 +32,6 @@ const TObjectKind* FindKind(uint32_t type) {
     for (const TObjectKind& kind : kObjectKinds)
         if (kind.type == type) return &kind;
     return nullptr;
-}
-
-template <class T>
-CONXDeviceClient* Make() {
-    return new (std::nothrow) T();
 }
 
 }  // namespace
@@ -52,13 +53,10 @@ uintptr_t OndDeviceClientGetObjInfo(uint32_t type, uint32_t what) {
 }
 
 CONXDeviceClient_0* OndDeviceClientCreateInstance(uint32_t type) {
+    const TObjectKind* kind = FindKind(type);
+    if (!kind) return nullptr;
     try {
-        switch (type) {
-            case ONX_OBJTYPE_TERMINAL: return Make<CONXTerminal>();
-            case ONX_OBJTYPE_FILEMANAGER: return Make<CONXFileManager>();
-            case ONX_OBJTYPE_SCRIPTPROCESSOR: return Make<CONXScriptProcessor>();
-            default: return nullptr;
-        }
+        return kind->make();
     } catch (...) {
         return nullptr;
     }

@@ -3,7 +3,7 @@
 
 #include <cstring>
 
-#include "frame/ModuleEntry.h"
+#include "module/ModuleEntry.h"
 
 TEST(FrameExports, ListsThreeKindsInOrder) {
     ASSERT_EQ(OndDeviceClientGetNumObj(), 3u);
