@@ -7,20 +7,9 @@
 #include "script/ScriptErrors.h"
 #include "script/ScriptExec.h"
 #include "script/ScriptRun.h"
+#include "script/ScriptTokens.h"
 
 namespace {
-
-inline bool IsPunct(const TSCRIPTTOKEN* t, char c) {
-    return t->kind == SCRIPT_TOK_PUNCT && t->punct == c;
-}
-inline uint32_t OpClass(const TSCRIPTTOKEN* t) {
-    return (t->kind == SCRIPT_TOK_OP && t->op >= 0) ? g_ScriptOperators[t->op].opClass : 0;
-}
-uint32_t ExpectPunct(CONXScriptCursor* cursor, char c) {
-    const TSCRIPTTOKEN* t = cursor->Next();
-    if (t->error) return t->error;
-    return IsPunct(t, c) ? 0 : SCRIPT_ERR_UNEXPECTEDTOKEN;
-}
 
 // The "@N<offset>" object of an if or while statement, found once per token.
 CONXScriptFunc* StatementObject(CONXScriptFunc* scope, TSCRIPTTOKEN* keyword, uint64_t offset,
@@ -137,7 +126,7 @@ uint32_t CONXScriptFunc::ExecStatement(CONXScriptExecContext* context, uint64_t 
     TSCRIPTTOKEN* t = context->ReadAt(offset);
     if (t->error) return t->error;
     uint32_t err;
-    if (t->kind == SCRIPT_TOK_IDENT && t->keyword == SCRIPT_KW_IF) {
+    if (IsKeyword(t, SCRIPT_KW_IF)) {
         CONXScriptFunc* block = StatementObject(this, t, offset, SCRIPT_OBJ_IF);
         if (!block) return SCRIPT_ERR_UNKNOWNIDENT;
         uint64_t value = 0;
@@ -145,7 +134,7 @@ uint32_t CONXScriptFunc::ExecStatement(CONXScriptExecContext* context, uint64_t 
         if (value) return block->EnterBody(context, block->m_statements);
         return block->EnterBody(context, static_cast<CONXScriptIfStatement*>(block)->m_elseStatements);
     }
-    if (t->kind == SCRIPT_TOK_IDENT && t->keyword == SCRIPT_KW_WHILE) {
+    if (IsKeyword(t, SCRIPT_KW_WHILE)) {
         CONXScriptFunc* block = StatementObject(this, t, offset, SCRIPT_OBJ_WHILE);
         if (!block) return SCRIPT_ERR_UNKNOWNIDENT;
         if (g_ScriptFastPath && ScriptRunNumericLoop(context, this, block, offset, &err)) return err;

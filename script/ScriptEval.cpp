@@ -4,20 +4,9 @@
 // the language's definition, not an oversight.
 #include "script/ScriptErrors.h"
 #include "script/ScriptExec.h"
+#include "script/ScriptTokens.h"
 
 namespace {
-
-inline uint32_t OpClass(const TSCRIPTTOKEN* t) {
-    return (t->kind == SCRIPT_TOK_OP && t->op >= 0) ? g_ScriptOperators[t->op].opClass : 0;
-}
-inline bool IsPunct(const TSCRIPTTOKEN* t, char c) {
-    return t->kind == SCRIPT_TOK_PUNCT && t->punct == c;
-}
-uint32_t ExpectPunct(CONXScriptCursor* cursor, char c) {
-    const TSCRIPTTOKEN* t = cursor->Next();
-    if (t->error) return t->error;
-    return IsPunct(t, c) ? 0 : SCRIPT_ERR_UNEXPECTEDTOKEN;
-}
 
 // Whether the value of the call whose name is token will be used: only a call
 // standing alone in a call statement gives its function no result variable.
@@ -27,7 +16,7 @@ bool CallValueUsed(CONXScriptExecContext* context, const TSCRIPTTOKEN* name) {
     int32_t close = context->TokenByIndex(i + 1)->match;
     if (close < 0) return true;
     const TSCRIPTTOKEN* after = context->TokenAt(context->TokenByIndex(close)->end);
-    return !after || (OpClass(after) & SCRIPT_OPCLASS_BINARY) != 0;
+    return !after || IsBinary(after);
 }
 
 // Whether a binary operator follows the call whose name is token; true when
@@ -38,7 +27,7 @@ bool BinaryAfterCall(CONXScriptExecContext* context, const TSCRIPTTOKEN* name) {
     int32_t close = context->TokenByIndex(i + 1)->match;
     if (close < 0) return true;
     const TSCRIPTTOKEN* after = context->TokenAt(context->TokenByIndex(close)->end);
-    return !after || after->error || (OpClass(after) & SCRIPT_OPCLASS_BINARY) != 0;
+    return !after || after->error || IsBinary(after);
 }
 
 // Whether what follows the binary operator op, up to the end of its
@@ -70,8 +59,8 @@ bool RestMayCall(CONXScriptExecContext* context, TSCRIPTTOKEN* op) {
             else if (depth == 0 && (t->punct == ';' || t->punct == ',' || t->punct == '{')) break;
         } else if (t->kind == SCRIPT_TOK_IDENT) {
             TSCRIPTTOKEN* n = context->TokenByIndex(k + 1);
-            if (!n->error && IsPunct(n, '(')) call = true;
-        } else if (depth == 0 && !call && chained < 64 && (OpClass(t) & SCRIPT_OPCLASS_BINARY)) {
+            if (IsPunct(n, '(')) call = true;
+        } else if (depth == 0 && !call && chained < 64 && IsBinary(t)) {
             chain[chained++] = t;
         }
         if (call) break;
@@ -105,7 +94,7 @@ uint32_t CONXScriptFunc::EvalRef(CONXScriptExecContext* context, CONXScriptVaria
     if (t && !t->error) {
         int32_t i = context->IndexOf(t);
         TSCRIPTTOKEN* after = t->kind == SCRIPT_TOK_END ? nullptr : context->TokenByIndex(i + 1);
-        if (after && !after->error && !(OpClass(after) & SCRIPT_OPCLASS_BINARY)) {
+        if (after && !after->error && !IsBinary(after)) {
             CONXScriptVariable* v = nullptr;
             if (t->kind >= SCRIPT_TOK_STRING && t->kind <= SCRIPT_TOK_BIN) {
                 context->Next();
@@ -215,7 +204,7 @@ uint32_t CONXScriptFunc::Eval(CONXScriptExecContext* context, CONXScriptVariable
     }
     TSCRIPTTOKEN* next = context->Next();
     if (next->error) return next->error;
-    if (OpClass(next) & SCRIPT_OPCLASS_BINARY) {
+    if (IsBinary(next)) {
         int32_t op = next->op;
         if (inPlace && RestMayCall(context, next)) {
             // The operand's value as it is now, before the rest can change it.

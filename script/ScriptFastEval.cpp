@@ -12,6 +12,7 @@
 #include "script/ScriptErrors.h"
 #include "script/ScriptExec.h"
 #include "script/ScriptOperators.h"
+#include "script/ScriptTokens.h"
 
 namespace {
 
@@ -91,7 +92,7 @@ EFASTRESULT Compile(TCOMPILE* c, bool top) {
         if (t->punct != '(') return FAST_NEVER;
         if ((r = Compile(c, false)) != FAST_OK) return r;
         t = c->p++;
-        if (t->error || t->kind != SCRIPT_TOK_PUNCT || t->punct != ')') return FAST_NEVER;
+        if (!IsPunct(t, ')')) return FAST_NEVER;
         break;
     case SCRIPT_TOK_DEC:
     case SCRIPT_TOK_HEX:
@@ -116,10 +117,10 @@ EFASTRESULT Compile(TCOMPILE* c, bool top) {
         if (o || !ScriptTypeIsNumeric(t->typeCode)) return FAST_NEVER;
         // A conversion to a numeric type.
         TSCRIPTTOKEN* open = c->p++;
-        if (open->error || open->kind != SCRIPT_TOK_PUNCT || open->punct != '(') return FAST_NEVER;
+        if (!IsPunct(open, '(')) return FAST_NEVER;
         if ((r = Compile(c, false)) != FAST_OK) return r;
         TSCRIPTTOKEN* close = c->p++;
-        if (close->error || close->kind != SCRIPT_TOK_PUNCT || close->punct != ')') return FAST_NEVER;
+        if (!IsPunct(close, ')')) return FAST_NEVER;
         Emit(c, OP_CONVERT, 0, t->typeCode, 0, nullptr);
         break;
     }
@@ -128,7 +129,7 @@ EFASTRESULT Compile(TCOMPILE* c, bool top) {
     }
     TSCRIPTTOKEN* next = c->p;
     if (next->error) return FAST_NEVER;
-    if (next->kind == SCRIPT_TOK_OP && (g_ScriptOperators[next->op].opClass & SCRIPT_OPCLASS_BINARY)) {
+    if (IsBinary(next)) {
         c->p++;
         if ((r = Compile(c, false)) != FAST_OK) return r;
         Emit(c, OP_BINARY, (int8_t)ScriptBinaryRow(next->op), 0, 0, nullptr, top);

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "script/ScriptNumeric.h"
+#include "script/ScriptTokens.h"
 
 namespace {
 
@@ -39,15 +40,6 @@ int32_t SlotOf(TNUMMAKER* m, CONXScriptObject* o) {
     m->f->outer.push_back({o, slot});
     return (int32_t)slot;
 }
-
-inline bool IsPunct(const TSCRIPTTOKEN* t, char c) {
-    return !t->error && t->kind == SCRIPT_TOK_PUNCT && t->punct == c;
-}
-inline bool IsBinary(const TSCRIPTTOKEN* t) {
-    return !t->error && t->kind == SCRIPT_TOK_OP && t->op >= 0 &&
-           (g_ScriptOperators[t->op].opClass & SCRIPT_OPCLASS_BINARY) != 0;
-}
-
 
 // Gives numeric declarations of a body their slots; false for anything else
 // a body may declare (a string, a function).

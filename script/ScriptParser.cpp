@@ -7,25 +7,9 @@
 
 #include "script/ScriptErrors.h"
 #include "script/ScriptFunc.h"
+#include "script/ScriptTokens.h"
 
 namespace {
-
-inline bool IsPunct(const TSCRIPTTOKEN* t, char c) {
-    return t->kind == SCRIPT_TOK_PUNCT && t->punct == c;
-}
-inline bool IsKeyword(const TSCRIPTTOKEN* t, uint8_t keyword) {
-    return t->kind == SCRIPT_TOK_IDENT && t->keyword == keyword;
-}
-inline uint32_t OpClass(const TSCRIPTTOKEN* t) {
-    return (t->kind == SCRIPT_TOK_OP && t->op >= 0) ? g_ScriptOperators[t->op].opClass : 0;
-}
-
-// Reads one token that must be the punctuation c: 4 otherwise.
-uint32_t ExpectPunct(CONXScriptCursor* cursor, char c) {
-    const TSCRIPTTOKEN* t = cursor->Next();
-    if (t->error) return t->error;
-    return IsPunct(t, c) ? 0 : SCRIPT_ERR_UNEXPECTEDTOKEN;
-}
 
 // Appends a new object to a list; the list owns it from then on.
 template <class T>
@@ -335,7 +319,7 @@ uint32_t CONXScriptFunc::ParseExpression(CONXScriptCursor* cursor) {
     uint64_t p = cursor->position;
     t = cursor->Next();
     if (t->error) return t->error;
-    if (OpClass(t) & SCRIPT_OPCLASS_BINARY) return ParseExpression(cursor);
+    if (IsBinary(t)) return ParseExpression(cursor);
     cursor->position = p;
     return 0;
 }

@@ -14,6 +14,7 @@
 #include "script/ScriptErrors.h"
 #include "script/ScriptExec.h"
 #include "script/ScriptOperators.h"
+#include "script/ScriptTokens.h"
 
 namespace {
 
@@ -58,17 +59,6 @@ struct TSCRIPTPLAN {
 void CONXScriptExecContext::TFREEPLAN::operator()(TSCRIPTPLAN* plan) const { delete plan; }
 
 namespace {
-
-inline bool IsPunct(const TSCRIPTTOKEN* t, char c) {
-    return t->kind == SCRIPT_TOK_PUNCT && t->punct == c;
-}
-inline bool IsBinary(const TSCRIPTTOKEN* t) {
-    return t->kind == SCRIPT_TOK_OP && t->op >= 0 &&
-           (g_ScriptOperators[t->op].opClass & SCRIPT_OPCLASS_BINARY) != 0;
-}
-inline bool IsLiteral(const TSCRIPTTOKEN* t) {
-    return t->kind >= SCRIPT_TOK_STRING && t->kind <= SCRIPT_TOK_BIN;
-}
 
 // ---- making a plan: mirrors how the reading evaluation walks the tokens ----
 
