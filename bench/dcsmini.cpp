@@ -22,8 +22,8 @@ void Main(void* p) {
     TJOB* job = static_cast<TJOB*>(p);
     CONXScriptRunContext context;
     context.m_sysFuncFactories.push_back(ScriptRuntimeFactory);
-    job->code = RunScript(&context, nullptr, job->text->c_str(), job->directory.c_str(), nullptr,
-                          nullptr, nullptr, Write, nullptr, nullptr);
+    job->code = RunScript(&context, job->text->c_str(),
+                          {.scriptDirectory = job->directory.c_str(), .output = Write});
 }
 
 }  // namespace

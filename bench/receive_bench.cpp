@@ -34,8 +34,8 @@ int main() {
         n.SetType(SCRIPT_TYPE_UINT32);
         std::vector<CONXScriptVariable*> externals = {&n};
         uint64_t start = OsTickCount();
-        uint32_t code = RunScript(&context, &device, script, "", &externals,
-                                  nullptr, nullptr, Print, nullptr, nullptr);
+        uint32_t code = RunScript(&context, script, {.channel = &device, .externals = &externals,
+                                  .output = Print});
         uint64_t elapsed = OsTickCount() - start;
         if (code != 0 || n.GetNumber() != kBytes) {
             fprintf(stderr, "receive_bench: run failed (code %u, %llu bytes)\n", code,

@@ -49,8 +49,9 @@ uint32_t Run(const std::string& text, bool fast, std::string* out) {
     context.m_limits.maxFileBytes = 1 << 16;
     context.m_sysFuncFactories.push_back(ScriptRuntimeFactory);
     CSimDevice device;
-    return RunScript(&context, &device, text.c_str(), context.m_limits.fileRoot.c_str(), nullptr,
-                     nullptr, nullptr, Collect, out, nullptr);
+    return RunScript(&context, text.c_str(),
+                     {.channel = &device, .scriptDirectory = context.m_limits.fileRoot.c_str(),
+                      .output = Collect, .outputContext = out});
 }
 
 }  // namespace

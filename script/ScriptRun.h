@@ -88,23 +88,26 @@ private:
     std::string m_baseDirectory;
 };
 
-// Runs a script text. scriptDirectory null or empty: the current directory.
-// externals: variables visible to the script that keep what it leaves in them.
-// functionName: run that function of the program with functionArguments
-// instead of the main body (sub-script calls); result receives its value.
-// Returns the script error code; on a failure (low 28 bits not zero) the
-// diagnostic line has gone to output.
-uint32_t RunScript(CONXScriptRunContext* context, COndDeviceComm_0* channel, const char* text,
-                   const char* scriptDirectory, std::vector<CONXScriptVariable*>* externals,
-                   const char* functionName,
-                   const std::vector<CONXScriptVariable*>* functionArguments,
-                   TSCRIPTOUTPUTFUNC output, void* outputContext, CONXScriptVariable* result);
+// What one run is given besides its context and text; every field may stay empty.
+struct TSCRIPTRUNOPTIONS {
+    COndDeviceComm_0* channel = nullptr;
+    const char* scriptDirectory = nullptr;  // null or empty: the current directory
+    // Variables visible to the script that keep what it leaves in them.
+    std::vector<CONXScriptVariable*>* externals = nullptr;
+    TSCRIPTOUTPUTFUNC output = nullptr;
+    void* outputContext = nullptr;
+    // Sub-script calls: run this function of the program with these arguments
+    // instead of the main body; result receives its value.
+    const char* functionName = nullptr;
+    const std::vector<CONXScriptVariable*>* functionArguments = nullptr;
+    CONXScriptVariable* result = nullptr;
+    // Only read the text, with the same predefined names: nothing runs, no
+    // built-in is called, the channel is never touched; the code is the
+    // parser's (a failure's line says "during parsing").
+    bool parseOnly = false;
+};
 
-// Reads a script text as RunScript does, with the same predefined names, and
-// stops before anything runs: no statement executes, no built-in is called and
-// the channel is never touched. Returns the parser's error code (0 when the
-// text parses); on a failure the diagnostic line ("... during parsing") has
-// gone to output.
-uint32_t ParseScript(CONXScriptRunContext* context, const char* text,
-                     std::vector<CONXScriptVariable*>* externals, TSCRIPTOUTPUTFUNC output,
-                     void* outputContext);
+// Runs a script text. Returns the script error code; on a failure (low 28
+// bits not zero) the diagnostic line has gone to the output.
+uint32_t RunScript(CONXScriptRunContext* context, const char* text,
+                   const TSCRIPTRUNOPTIONS& options = {});

@@ -1,7 +1,5 @@
 // The run driver: build the predefined names, parse, execute, report, destroy.
 #include <memory>
-#include <new>
-#include <stdexcept>
 
 #include "os/Platform.h"
 #include "script/ScriptErrors.h"
@@ -9,6 +7,7 @@
 #include "script/ScriptRun.h"
 #include "script/ScriptStack.h"
 #include "script/ScriptSysFunc.h"
+#include "util/OutOfMemory.h"
 
 CONXScriptRunContext::CONXScriptRunContext() : m_pStopEvent(new COsEvent), m_ownsEvent(true) {}
 
@@ -52,10 +51,8 @@ struct TRUNRESTORE {
     }
 };
 
-uint32_t Run(CONXScriptRunContext* context, CONXScriptExecContext* exec, COndDeviceComm_0* channel,
-             std::vector<CONXScriptVariable*>* externals, const char* functionName,
-             const std::vector<CONXScriptVariable*>* functionArguments, TSCRIPTOUTPUTFUNC output,
-             void* outputContext, CONXScriptVariable* result, bool parseOnly, const char** phase) {
+uint32_t Run(CONXScriptRunContext* context, CONXScriptExecContext* exec,
+             const TSCRIPTRUNOPTIONS& options, const char** phase) {
     std::unique_ptr<CONXScriptFunc> program(new CONXScriptFunc);
     program->SetName("@MAIN");
     CONXScriptVariable version;
@@ -67,49 +64,48 @@ uint32_t Run(CONXScriptRunContext* context, CONXScriptExecContext* exec, COndDev
             for (auto it = list.rbegin(); it != list.rend(); ++it) delete *it;
         }
     } sysFuncs;
-    TSCRIPTSYSFUNCENV env = {output, outputContext, channel};
+    TSCRIPTSYSFUNCENV env = {options.output, options.outputContext, options.channel};
     for (TSCRIPTSYSFUNCFACTORY factory : context->m_sysFuncFactories) factory(env, &sysFuncs.list);
     TSCRIPTOBJLIST predefined;
     predefined.push_back(&version);
     predefined.insert(predefined.end(), sysFuncs.list.begin(), sysFuncs.list.end());
     // The embedder's variables come last, so they hide a built-in of the same name.
-    if (externals) predefined.insert(predefined.end(), externals->begin(), externals->end());
+    if (options.externals)
+        predefined.insert(predefined.end(), options.externals->begin(), options.externals->end());
     program->AddOuterNames(predefined);
 
     if (context->GetStopEvent()) context->GetStopEvent()->Reset();
     uint32_t code = program->ParseBody(exec, 0);
-    if (code || parseOnly) return code;
+    if (code || options.parseOnly) return code;
     *phase = "executing";
-    if (functionName) {
+    if (options.functionName) {
         std::vector<CONXScriptObject*> list;
-        if (functionArguments) list.assign(functionArguments->begin(), functionArguments->end());
+        if (options.functionArguments)
+            list.assign(options.functionArguments->begin(), options.functionArguments->end());
         TSCRIPTARGS args;
         args.items = list.data();
         args.count = list.size();
-        return program->ExecuteFunction(exec, functionName, args, result);
+        return program->ExecuteFunction(exec, options.functionName, args, options.result);
     }
-    exec->Bind(&program->m_pResult, result ? static_cast<CONXScriptObject*>(result) : exec->vars.Push());
+    exec->Bind(&program->m_pResult,
+               options.result ? static_cast<CONXScriptObject*>(options.result) : exec->vars.Push());
     return program->ExecuteBody(exec);
 }
 
-// RunScript and ParseScript: the same setup, names and reporting.
-uint32_t Drive(CONXScriptRunContext* context, COndDeviceComm_0* channel, const char* text,
-               const char* scriptDirectory, std::vector<CONXScriptVariable*>* externals,
-               const char* functionName, const std::vector<CONXScriptVariable*>* functionArguments,
-               TSCRIPTOUTPUTFUNC output, void* outputContext, CONXScriptVariable* result,
-               bool parseOnly) {
+}  // namespace
+
+uint32_t RunScript(CONXScriptRunContext* context, const char* text, const TSCRIPTRUNOPTIONS& options) {
     if (!context || !text) return SCRIPT_ERR_ILLEGALPARAM;
-    uint32_t code = 0;
     const char* phase = "parsing";
     uint64_t tokenStart = 0;
-    try {
+    uint32_t code = ondutil::CatchOutOfMemory(SCRIPT_ERR_OUTOFMEMORY, [&]() -> uint32_t {
         TSCRIPTSTRINGBUDGET* outerBudget = ScriptStringBudget();
         TSCRIPTSTRINGBUDGET budget = {context->m_limits.maxStringBytes,
                                       context->m_limits.maxTotalStringBytes,
                                       outerBudget ? outerBudget->liveBytes : 0};
         TRUNRESTORE restore = {context, context->m_pExec, SetScriptStringBudget(&budget)};
 
-        std::string directory = scriptDirectory ? scriptDirectory : "";
+        std::string directory = options.scriptDirectory ? options.scriptDirectory : "";
         if (directory.empty()) {
             directory = OsCurrentDirectory();
             if (directory.size() > kMaxDirectory) directory.resize(kMaxDirectory);
@@ -129,47 +125,22 @@ uint32_t Drive(CONXScriptRunContext* context, COndDeviceComm_0* channel, const c
         exec->stopEvent = context->GetStopEvent();
         exec->maxSteps = context->m_limits.maxSteps;
         context->m_pExec = exec.get();
-        try {
-            code = Run(context, exec.get(), channel, externals, functionName, functionArguments,
-                       output, outputContext, result, parseOnly, &phase);
-        } catch (const std::bad_alloc&) {
-            code = SCRIPT_ERR_OUTOFMEMORY;
-        } catch (const std::length_error&) {
-            code = SCRIPT_ERR_OUTOFMEMORY;
-        }
+        // Caught here as well, so that the position and the counts are kept.
+        uint32_t result = ondutil::CatchOutOfMemory(SCRIPT_ERR_OUTOFMEMORY, [&] {
+            return Run(context, exec.get(), options, &phase);
+        });
         tokenStart = exec->tokenStart;
         context->m_stats.steps = exec->steps;
         context->m_stats.stepsUndone = exec->numericStepsUndone;
-    } catch (const std::bad_alloc&) {
-        code = SCRIPT_ERR_OUTOFMEMORY;
-    } catch (const std::length_error&) {
-        code = SCRIPT_ERR_OUTOFMEMORY;
-    }
-    if ((code & SCRIPT_ERR_CODEMASK) && output) {
-        try {
+        return result;
+    });
+    if ((code & SCRIPT_ERR_CODEMASK) && options.output) {
+        bool reported = ondutil::CatchOutOfMemory(false, [&] {
             std::string line = FormatDiagnostic(code, text, tokenStart, phase);
-            output(outputContext, line.c_str());
-        } catch (const std::bad_alloc&) {
-            output(outputContext, "out of memory error\n");
-        }
+            options.output(options.outputContext, line.c_str());
+            return true;
+        });
+        if (!reported) options.output(options.outputContext, "out of memory error\n");
     }
     return code;
-}
-
-}  // namespace
-
-uint32_t RunScript(CONXScriptRunContext* context, COndDeviceComm_0* channel, const char* text,
-                   const char* scriptDirectory, std::vector<CONXScriptVariable*>* externals,
-                   const char* functionName,
-                   const std::vector<CONXScriptVariable*>* functionArguments,
-                   TSCRIPTOUTPUTFUNC output, void* outputContext, CONXScriptVariable* result) {
-    return Drive(context, channel, text, scriptDirectory, externals, functionName,
-                 functionArguments, output, outputContext, result, false);
-}
-
-uint32_t ParseScript(CONXScriptRunContext* context, const char* text,
-                     std::vector<CONXScriptVariable*>* externals, TSCRIPTOUTPUTFUNC output,
-                     void* outputContext) {
-    return Drive(context, nullptr, text, nullptr, externals, nullptr, nullptr, output,
-                 outputContext, nullptr, true);
 }

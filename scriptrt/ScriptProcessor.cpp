@@ -98,8 +98,9 @@ EONX_ERR_ERRCODE_ CONXScriptProcessor::ExecuteScript(const char* text, const cha
 
 EONX_ERR_ERRCODE_ CONXScriptProcessor::RunLocked(const char* text, const char* baseDirectory,
                                                  TSCRIPTOUTPUTFUNC output, void* outputContext) {
-    uint32_t code = RunScript(&m_runContext, m_pDeviceComm, text, baseDirectory, &m_externals,
-                              nullptr, nullptr, output, outputContext, nullptr);
+    uint32_t code = RunScript(&m_runContext, text,
+                              {.channel = m_pDeviceComm, .scriptDirectory = baseDirectory,
+                               .externals = &m_externals, .output = output, .outputContext = outputContext});
     // The class bits go: exit() (a "User Error" of code 0) is a success, while a
     // user error with a code is a failure.
     return (code & SCRIPT_ERR_CODEMASK) ? EONX_ERR_SCRIPTFAILED : EONX_ERR_NONE;

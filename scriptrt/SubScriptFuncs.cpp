@@ -72,9 +72,12 @@ uint32_t RunSubScript(const TSCRIPTSYSCALL& call, const char* functionName, size
             exec->steps += left / 2;
         }
     }
-    uint32_t code = RunScript(&context, call.env.channel, text.c_str(), folder.c_str(), nullptr,
-                              functionName, functionName ? &functionArguments : nullptr,
-                              call.env.output, call.env.outputContext, call.result);
+    uint32_t code = RunScript(&context, text.c_str(),
+                              {.channel = call.env.channel, .scriptDirectory = folder.c_str(),
+                               .output = call.env.output, .outputContext = call.env.outputContext,
+                               .functionName = functionName,
+                               .functionArguments = functionName ? &functionArguments : nullptr,
+                               .result = call.result});
     if (code) {
         call.Output("in subscript \"");
         call.Output(file.c_str());

@@ -116,8 +116,9 @@ int DcsCheckScripts(const std::vector<std::string>& scripts, const TONX_SCRIPTVA
         CONXScriptRunContext context;
         context.m_sysFuncFactories.push_back(ScriptRuntimeFactory);
         std::string diagnostic;
-        uint32_t code = ParseScript(&context, text.c_str(), file.external ? &externals : nullptr,
-                                    Collect, &diagnostic);
+        uint32_t code = RunScript(&context, text.c_str(),
+                                  {.externals = file.external ? &externals : nullptr, .output = Collect,
+                                   .outputContext = &diagnostic, .parseOnly = true});
         if (code & SCRIPT_ERR_CODEMASK) {
             failed = true;
             printf("%s: %s", file.display.c_str(), diagnostic.c_str());

@@ -186,8 +186,9 @@ int main(int argc, char** argv) {
         context.m_sysFuncFactories.push_back(ScriptRuntimeFactory);
         // The module's path form: on POSIX "Z:\..." maps back to the root.
         std::string directory = fs::absolute(script).parent_path().string();
-        uint32_t code = RunScript(&context, &device, text.c_str(), directory.c_str(), nullptr,
-                                  nullptr, nullptr, Collect, &actual, nullptr);
+        uint32_t code = RunScript(&context, text.c_str(), {.channel = &device,
+                                  .scriptDirectory = directory.c_str(), .output = Collect,
+                                  .outputContext = &actual});
         if (code == expectedCode && actual == expected) {
             passed++;
             continue;

@@ -66,8 +66,8 @@ inline TBUILTINIORUN BuiltinIoRun(const std::string& text, COndDeviceComm_0* dev
     context->m_sysFuncFactories = {ScriptRuntimeFactory};
     context->m_pOperator = prompt;
     TBUILTINIORUN run;
-    run.code = RunScript(context, device, text.c_str(), base.c_str(), externals, nullptr, nullptr,
-                         BuiltinIoCollect, &run.output, nullptr);
+    run.code = RunScript(context, text.c_str(), {.channel = device, .scriptDirectory = base.c_str(),
+                         .externals = externals, .output = BuiltinIoCollect, .outputContext = &run.output});
     return run;
 }
 

@@ -29,8 +29,8 @@ inline TBUILTINRUN BuiltinRun(const std::string& text, const std::string& direct
     if (!context) context = &own;
     if (context->m_sysFuncFactories.empty()) context->m_sysFuncFactories.push_back(ScriptRuntimeFactory);
     TBUILTINRUN run;
-    run.code = RunScript(context, nullptr, text.c_str(), directory.c_str(), nullptr, nullptr,
-                         nullptr, BuiltinCollect, &run.output, nullptr);
+    run.code = RunScript(context, text.c_str(), {.scriptDirectory = directory.c_str(),
+                         .output = BuiltinCollect, .outputContext = &run.output});
     return run;
 }
 

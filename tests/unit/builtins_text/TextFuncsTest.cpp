@@ -18,8 +18,8 @@ std::vector<std::string> PrintCalls(const char* text, TSCRIPTOUTPUTFUNC output) 
     std::vector<std::string> calls;
     CONXScriptRunContext context;
     context.m_sysFuncFactories.push_back(ScriptRuntimeFactory);
-    EXPECT_EQ(RunScript(&context, nullptr, text, "Z:\\tmp", nullptr, nullptr, nullptr, output, &calls,
-                        nullptr),
+    EXPECT_EQ(RunScript(&context, text,
+                        {.scriptDirectory = "Z:\\tmp", .output = output, .outputContext = &calls}),
               0u);
     return calls;
 }

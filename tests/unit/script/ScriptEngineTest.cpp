@@ -154,8 +154,8 @@ TEST(ScriptEngine, LoopsOfNumbersLeaveTheirVariablesAsTheOrdinaryRunDoes) {
     // A stop request: the progress up to the round where it is seen stays.
     std::thread stopper = StopAfter(&context, 50);
     const char* endless = "while (1) {\n  counter += 1;\n}";
-    uint32_t code = RunScript(&context, nullptr, endless, "", &externals, nullptr, nullptr,
-                              ScriptTestCollect, &out, nullptr);
+    uint32_t code = RunScript(&context, endless,
+                              {.externals = &externals, .output = ScriptTestCollect, .outputContext = &out});
     stopper.join();
     EXPECT_EQ(code, SCRIPT_ERR_ABORTED);
     EXPECT_GT(counter.GetNumber(), 0u);
@@ -166,16 +166,16 @@ TEST(ScriptEngine, LoopsOfNumbersLeaveTheirVariablesAsTheOrdinaryRunDoes) {
     // An error: the rounds before it are done, none after.
     ASSERT_EQ(counter.SetNumber(0, SCRIPT_TYPE_INT64), 0u);
     out.clear();
-    code = RunScript(&context, nullptr,
+    code = RunScript(&context,
                      "var int64 q; while (counter < 10) { counter += 1; if (counter == 4) { q = 1 / 0; } }",
-                     "", &externals, nullptr, nullptr, ScriptTestCollect, &out, nullptr);
+                     {.externals = &externals, .output = ScriptTestCollect, .outputContext = &out});
     EXPECT_EQ(code, SCRIPT_ERR_DIVZERO);
     EXPECT_EQ(counter.GetNumber(), 4u);
     // Done: the value goes back with the variable's own type.
     counter.SetType(SCRIPT_TYPE_UINT32);
     ASSERT_EQ(counter.SetNumber(0xFFFFFFFEu, 0), 0u);
-    EXPECT_EQ(RunScript(&context, nullptr, "var int32 i; while (i < 3) { counter += 1; i += 1; }", "",
-                        &externals, nullptr, nullptr, ScriptTestCollect, &out, nullptr),
+    EXPECT_EQ(RunScript(&context, "var int32 i; while (i < 3) { counter += 1; i += 1; }",
+                        {.externals = &externals, .output = ScriptTestCollect, .outputContext = &out}),
               0u);
     EXPECT_EQ(counter.GetType(), (uint32_t)SCRIPT_TYPE_UINT32);
     EXPECT_EQ(counter.GetNumber(), 1u);
@@ -267,22 +267,22 @@ TEST(ScriptEngine, ExternalVariablesAndFunctionRuns) {
     ASSERT_EQ(counter.SetNumber(41, SCRIPT_TYPE_INT32), 0u);
     std::vector<CONXScriptVariable*> externals = {&counter};
     std::string out;
-    uint32_t code = RunScript(&context, nullptr, "counter += 1;", "", &externals, nullptr, nullptr,
-                              ScriptTestCollect, &out, nullptr);
+    uint32_t code = RunScript(&context, "counter += 1;",
+                              {.externals = &externals, .output = ScriptTestCollect, .outputContext = &out});
     EXPECT_EQ(code, 0u);
     EXPECT_EQ(counter.GetNumber(), 42u);
     // Running one function of a program with arguments converted to its parameters.
     CONXScriptVariable arg, result;
     ASSERT_EQ(arg.SetNumber(20, SCRIPT_TYPE_INT64), 0u);
     std::vector<CONXScriptVariable*> args = {&arg};
-    code = RunScript(&context, nullptr, "var int32 g; print(\"main\"); func twice(var int32 a) { twice = a * 2 + g; }",
-                     "", nullptr, "TWICE", &args, ScriptTestCollect, &out, &result);
+    code = RunScript(&context, "var int32 g; print(\"main\"); func twice(var int32 a) { twice = a * 2 + g; }",
+                     {.output = ScriptTestCollect, .outputContext = &out, .functionName = "TWICE",
+                      .functionArguments = &args, .result = &result});
     EXPECT_EQ(code, 0u);
     EXPECT_EQ(out, "");  // the main statements do not run
     EXPECT_EQ(result.GetType(), (uint32_t)SCRIPT_TYPE_INT32);
     EXPECT_EQ(result.GetNumber(), 40u);
-    EXPECT_EQ(RunScript(&context, nullptr, "func f() { }", "", nullptr, "g", nullptr, nullptr, nullptr, nullptr),
-              SCRIPT_ERR_UNKNOWNIDENT);
+    EXPECT_EQ(RunScript(&context, "func f() { }", {.functionName = "g"}), SCRIPT_ERR_UNKNOWNIDENT);
 }
 
 TEST(ScriptErrors, TextsAndClasses) {
@@ -314,9 +314,7 @@ TEST(ScriptErrors, Positions) {
 
 TEST(ScriptErrors, OnlyFailuresAreReportedAndOnlyWithASink) {
     CONXScriptRunContext context;
-    EXPECT_EQ(RunScript(&context, nullptr, "x = 1;", "", nullptr, nullptr, nullptr, nullptr, nullptr,
-                        nullptr),
-              SCRIPT_ERR_UNKNOWNIDENT);
+    EXPECT_EQ(RunScript(&context, "x = 1;"), SCRIPT_ERR_UNKNOWNIDENT);
     // A user-class code with zero low bits (what exit returns) is not reported.
     struct TExit : CONXScriptSysFunc {
         TExit() : CONXScriptSysFunc("quit", nullptr, nullptr) {}

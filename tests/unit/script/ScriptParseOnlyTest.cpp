@@ -1,4 +1,4 @@
-// ParseScript: a script is read as a run reads it and nothing of it runs.
+// RunScript with parseOnly: a script is read as a run reads it and nothing of it runs.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -36,7 +36,10 @@ TEST(ScriptParseOnly, ReadsWithoutRunning) {
         CONXScriptRunContext context;
         context.m_sysFuncFactories.push_back(ScriptRuntimeFactory);
         std::string output;
-        EXPECT_EQ(ParseScript(&context, c.text, nullptr, ScriptTestCollect, &output), c.code) << c.text;
+        EXPECT_EQ(RunScript(&context, c.text,
+                            {.output = ScriptTestCollect, .outputContext = &output, .parseOnly = true}),
+                  c.code)
+            << c.text;
         EXPECT_EQ(output, c.output) << c.text;
     }
 }
@@ -45,12 +48,12 @@ TEST(ScriptParseOnly, ExternalNamesAreKnown) {
     const char text[] = "Count += 1;";
     CONXScriptRunContext context;
     context.m_sysFuncFactories.push_back(ScriptRuntimeFactory);
-    EXPECT_EQ(ParseScript(&context, text, nullptr, nullptr, nullptr), 7u);
+    EXPECT_EQ(RunScript(&context, text, {.parseOnly = true}), 7u);
     CONXScriptVariable count;
     count.SetName("count");
     count.SetType(SCRIPT_TYPE_UINT32);
     std::vector<CONXScriptVariable*> externals = {&count};
-    EXPECT_EQ(ParseScript(&context, text, &externals, nullptr, nullptr), 0u);
+    EXPECT_EQ(RunScript(&context, text, {.externals = &externals, .parseOnly = true}), 0u);
     EXPECT_EQ(count.GetNumber(), 0u);  // read, never changed
 }
 

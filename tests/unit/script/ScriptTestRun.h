@@ -21,7 +21,7 @@ inline TSCRIPTTESTRUN ScriptTestRun(const std::string& text, CONXScriptRunContex
     if (!context) context = &own;
     if (context->m_sysFuncFactories.empty()) context->m_sysFuncFactories.push_back(ScriptRuntimeFactory);
     TSCRIPTTESTRUN run;
-    run.code = RunScript(context, nullptr, text.c_str(), "Z:\\tmp", nullptr, nullptr, nullptr,
-                         ScriptTestCollect, &run.output, nullptr);
+    run.code = RunScript(context, text.c_str(), {.scriptDirectory = "Z:\\tmp",
+                         .output = ScriptTestCollect, .outputContext = &run.output});
     return run;
 }
