@@ -7,6 +7,7 @@
 #include "os/Platform.h"
 #include "script/ScriptRun.h"
 #include "scriptrt/SysFuncTable.h"
+#include "util/WholeFile.h"
 
 namespace {
 
@@ -33,16 +34,11 @@ int main(int argc, char** argv) {
         fprintf(stderr, "usage: dcsmini FILE.dcs\n");
         return 2;
     }
-    FILE* f = fopen(argv[1], "rb");
-    if (!f) {
-        fprintf(stderr, "dcsmini: cannot open %s\n", argv[1]);
+    std::string text;
+    if (ondutil::ReadWholeFile(argv[1], &text) != ondutil::WHOLEFILE_OK) {
+        fprintf(stderr, "dcsmini: cannot read %s\n", argv[1]);
         return 2;
     }
-    std::string text;
-    char buffer[65536];
-    size_t n;
-    while ((n = fread(buffer, 1, sizeof buffer, f)) > 0) text.append(buffer, n);
-    fclose(f);
     std::string path = argv[1];
     size_t cut = path.find_last_of("/\\");
     TJOB job = {&text, cut == std::string::npos ? std::string(".") : path.substr(0, cut), 0};

@@ -11,6 +11,7 @@
 #include "script/ScriptValue.h"
 #include "scriptrt/SysFuncTable.h"
 #include "util/OutOfMemory.h"
+#include "util/WholeFile.h"
 
 namespace {
 
@@ -35,12 +36,14 @@ private:
     bool m_held;
 };
 
-struct TFILECLOSER {
-    FILE* file;
-    ~TFILECLOSER() {
-        if (file) fclose(file);
-    }
-};
+// body() with the channel locked for owner, behind the object's exception wall.
+template <class TBody>
+EONX_ERR_ERRCODE_ WhileLocked(COndDeviceComm_0* channel, void* owner, TBody&& body) {
+    return ondutil::CatchAll(EONX_ERR_OUTOFMEMORY, EONX_ERR_SCRIPTFAILED, [&] {
+        CChannelLock lock(channel, owner);
+        return lock.Held() ? body() : EONX_ERR_LOCKED;
+    });
+}
 
 bool SameNameIgnoringCase(const char* a, const char* b) {
     for (;; ++a, ++b) {
@@ -89,11 +92,8 @@ EONX_ERR_ERRCODE_ CONXScriptProcessor::Call(uint32_t function, uint64_t a, uint6
 EONX_ERR_ERRCODE_ CONXScriptProcessor::ExecuteScript(const char* text, const char* baseDirectory,
                                                      TSCRIPTOUTPUTFUNC output, void* outputContext) {
     if (!m_pDeviceComm) return EONX_ERR_NOCHANNEL;
-    return ondutil::CatchAll(EONX_ERR_OUTOFMEMORY, EONX_ERR_SCRIPTFAILED, [&] {
-        CChannelLock lock(m_pDeviceComm, this);
-        if (!lock.Held()) return EONX_ERR_LOCKED;
-        return RunLocked(text, baseDirectory, output, outputContext);
-    });
+    return WhileLocked(m_pDeviceComm, this,
+                       [&] { return RunLocked(text, baseDirectory, output, outputContext); });
 }
 
 EONX_ERR_ERRCODE_ CONXScriptProcessor::RunLocked(const char* text, const char* baseDirectory,
@@ -110,11 +110,7 @@ EONX_ERR_ERRCODE_ CONXScriptProcessor::ExecuteScriptFile(const char* path, TSCRI
                                                          void* outputContext) {
     if (!path || !*path) return EONX_ERR_EMPTYPATH;
     if (!m_pDeviceComm) return EONX_ERR_NOCHANNEL;
-    return ondutil::CatchAll(EONX_ERR_OUTOFMEMORY, EONX_ERR_SCRIPTFAILED, [&] {
-        CChannelLock lock(m_pDeviceComm, this);
-        if (!lock.Held()) return EONX_ERR_LOCKED;
-        return LoadAndRun(path, output, outputContext);
-    });
+    return WhileLocked(m_pDeviceComm, this, [&] { return LoadAndRun(path, output, outputContext); });
 }
 
 EONX_ERR_ERRCODE_ CONXScriptProcessor::LoadAndRun(const char* path, TSCRIPTOUTPUTFUNC output,
@@ -122,21 +118,16 @@ EONX_ERR_ERRCODE_ CONXScriptProcessor::LoadAndRun(const char* path, TSCRIPTOUTPU
     std::string fullPath;
     if (!OsFullPathName(path, &fullPath) || fullPath.size() > kMaxFullPath) return EONX_ERR_FILEOPEN;
     std::string text;
-    {
-        TFILECLOSER file = {OsOpenFile(fullPath.c_str(), "rb")};
-        if (!file.file) return EONX_ERR_FILEOPEN;
-        if (fseek(file.file, 0, SEEK_END) != 0) return EONX_ERR_FILEREAD;
-        long size = ftell(file.file);
-        if (size < 0 || fseek(file.file, 0, SEEK_SET) != 0) return EONX_ERR_FILEREAD;
-        text.resize((size_t)size);  // the string keeps the terminating NUL
-        if (size > 0 && fread(&text[0], 1, (size_t)size, file.file) != (size_t)size)
-            return EONX_ERR_FILEREAD;
+    switch (ondutil::ReadWholeFile(fullPath.c_str(), &text)) {
+    case ondutil::WHOLEFILE_OPEN: return EONX_ERR_FILEOPEN;
+    case ondutil::WHOLEFILE_READ: return EONX_ERR_FILEREAD;
+    case ondutil::WHOLEFILE_OK: break;
     }
     // The base directory is the full path without the file name and its separator.
     size_t cut = fullPath.find_last_of('\\');
     std::string baseDirectory = cut == std::string::npos ? std::string() : fullPath.substr(0, cut);
-    // Locks a second time under the same owner: the channel counts nested locks.
-    return ExecuteScript(text.c_str(), baseDirectory.c_str(), output, outputContext);
+    // The one lock of this call covers the run too.
+    return RunLocked(text.c_str(), baseDirectory.c_str(), output, outputContext);
 }
 
 EONX_ERR_ERRCODE_ CONXScriptProcessor::SetVariables(TONX_SCRIPTVARIABLE* records, uint64_t count,

@@ -6,6 +6,7 @@
 
 #include "host/serial/SerialChannel.h"
 #include "host/sim/SimDevice.h"
+#include "util/WholeFile.h"
 
 namespace {
 
@@ -63,17 +64,6 @@ bool ParseDevice(const std::string& device, THOSTDEVICEOPTIONS* options, std::st
     options->serialPort = port;
     options->baud = baud;
     return true;
-}
-
-bool ReadWholeFile(const std::string& path, std::string* bytes) {
-    FILE* f = fopen(path.c_str(), "rb");
-    if (!f) return false;
-    char buffer[65536];
-    size_t n;
-    while ((n = fread(buffer, 1, sizeof buffer, f)) > 0) bytes->append(buffer, n);
-    bool ok = !ferror(f);
-    fclose(f);
-    return ok;
 }
 
 }  // namespace
@@ -136,7 +126,7 @@ EHOSTDEVICEOPEN CHostDevice::Open(const THOSTDEVICEOPTIONS& options, std::string
     m_sim.reset(new CSimDevice);
     if (!options.simReceiveFile.empty()) {
         std::string bytes;
-        if (!ReadWholeFile(options.simReceiveFile, &bytes)) {
+        if (ondutil::ReadWholeFile(options.simReceiveFile.c_str(), &bytes) != ondutil::WHOLEFILE_OK) {
             *error = "cannot read " + options.simReceiveFile;
             return HOSTDEVICE_NOFILE;
         }

@@ -1,11 +1,8 @@
 #include "host/serial/SerialChannel.h"
 
-#include <chrono>
 #include <cstring>
 
 namespace {
-
-const uint32_t kWaitForever = 0xFFFFFFFF;
 
 thread_local std::string t_infoText;
 
@@ -30,6 +27,11 @@ const char* ErrorText(int64_t code) {
 
 }  // namespace
 
+// A raw port has nothing behind the host's own slots.
+CSerialChannel::CSerialChannel()
+    : CHostChannel({SERIAL_ERR_NOTSUPPORTED, SERIAL_ERR_BADARGUMENT, SERIAL_ERR_LOCKED,
+                    SERIAL_ERR_INTERNAL}) {}
+
 bool CSerialChannel::Open(const std::string& port, uint32_t baud, std::string* errorText) {
     std::lock_guard<std::mutex> g(m_mutex);
     if (!m_port.Open(port, baud, errorText)) return false;
@@ -42,27 +44,6 @@ void CSerialChannel::Close() {
     std::lock_guard<std::mutex> g(m_mutex);
     m_port.Close();
 }
-
-// The host's own slots: a raw port has nothing behind them.
-int32_t CSerialChannel::Reserved00() { return SERIAL_ERR_NOTSUPPORTED; }
-int32_t CSerialChannel::Reserved01() { return SERIAL_ERR_NOTSUPPORTED; }
-int32_t CSerialChannel::Reserved02() { return SERIAL_ERR_NOTSUPPORTED; }
-int32_t CSerialChannel::Reserved03() { return SERIAL_ERR_NOTSUPPORTED; }
-int32_t CSerialChannel::Reserved04() { return SERIAL_ERR_NOTSUPPORTED; }
-int32_t CSerialChannel::Reserved05() { return SERIAL_ERR_NOTSUPPORTED; }
-int32_t CSerialChannel::Reserved06() { return SERIAL_ERR_NOTSUPPORTED; }
-int32_t CSerialChannel::Reserved07() { return SERIAL_ERR_NOTSUPPORTED; }
-int32_t CSerialChannel::Reserved08() { return SERIAL_ERR_NOTSUPPORTED; }
-int32_t CSerialChannel::Reserved09() { return SERIAL_ERR_NOTSUPPORTED; }
-int32_t CSerialChannel::Reserved12() { return SERIAL_ERR_NOTSUPPORTED; }
-int32_t CSerialChannel::Reserved14() { return SERIAL_ERR_NOTSUPPORTED; }
-int32_t CSerialChannel::Reserved16() { return SERIAL_ERR_NOTSUPPORTED; }
-int32_t CSerialChannel::Reserved17() { return SERIAL_ERR_NOTSUPPORTED; }
-int32_t CSerialChannel::Reserved18() { return SERIAL_ERR_NOTSUPPORTED; }
-int32_t CSerialChannel::Reserved21() { return SERIAL_ERR_NOTSUPPORTED; }
-int32_t CSerialChannel::Reserved22() { return SERIAL_ERR_NOTSUPPORTED; }
-int32_t CSerialChannel::Reserved24() { return SERIAL_ERR_NOTSUPPORTED; }
-int32_t CSerialChannel::Reserved26() { return SERIAL_ERR_NOTSUPPORTED; }
 
 const char* CSerialChannel::GetInfoString(uint32_t what, int64_t code) {
     try {
@@ -87,40 +68,6 @@ const char* CSerialChannel::GetInfoString(uint32_t what, int64_t code) {
     } catch (...) {
         return "Out of memory";  // no exception leaves the channel
     }
-}
-
-int32_t CSerialChannel::Lock(void* owner, uint32_t timeoutMs) {
-    try {
-        if (!owner) return SERIAL_ERR_BADARGUMENT;  // null means "unlocked"
-        std::unique_lock<std::mutex> guard(m_lockMutex);
-        auto available = [&] { return m_lockOwner == nullptr || m_lockOwner == owner; };
-        if (!available()) {
-            if (timeoutMs == 0) return SERIAL_ERR_LOCKED;
-            if (timeoutMs == kWaitForever) {
-                m_lockFree.wait(guard, available);
-            } else if (!m_lockFree.wait_for(guard, std::chrono::milliseconds(timeoutMs), available)) {
-                return SERIAL_ERR_LOCKED;
-            }
-        }
-        m_lockOwner = owner;
-        ++m_lockCount;
-        return SERIAL_ERR_NONE;
-    } catch (...) {
-        return SERIAL_ERR_INTERNAL;
-    }
-}
-
-void CSerialChannel::Unlock(void* owner) {
-    bool released = false;
-    {
-        std::lock_guard<std::mutex> g(m_lockMutex);
-        if (!owner || owner != m_lockOwner) return;  // not the holder: ignored
-        if (--m_lockCount == 0) {
-            m_lockOwner = nullptr;
-            released = true;
-        }
-    }
-    if (released) m_lockFree.notify_all();
 }
 
 uint32_t CSerialChannel::GetState() {

@@ -1,19 +1,17 @@
 // A device channel over a raw serial port: what dcsrun uses with a real device
 // on a COM port or a tty. Host-side code, not part of the module.
 //
-// - Lock is per owner and re-entrant with a count; another owner waits up to
-//   the timeout (0 = try once, 0xFFFFFFFF = forever), as on the simulated device.
+// - The lock and the host's own slots are CHostChannel's.
 // - Transmit writes every byte; Receive returns what is waiting, never waits.
 // - A raw port has no file system behind it: the file transfers, the device
 //   directory, deleting and formatting fail with codes whose texts say so.
 #pragma once
 
-#include <condition_variable>
 #include <cstdint>
 #include <mutex>
 #include <string>
 
-#include "frame/OndDeviceComm.h"
+#include "host/channel/HostChannel.h"
 #include "host/serial/SerialPort.h"
 
 enum : int32_t {
@@ -33,51 +31,27 @@ enum : int32_t {
 
 const uint32_t SERIAL_DEFAULT_BAUD = 115200;
 
-class CSerialChannel : public COndDeviceComm_0 {
+class CSerialChannel : public CHostChannel {
 public:
-    CSerialChannel() = default;
-    CSerialChannel(const CSerialChannel&) = delete;
-    CSerialChannel& operator=(const CSerialChannel&) = delete;
-    virtual ~CSerialChannel() = default;
+    CSerialChannel();
 
     // false with *errorText when the port cannot be opened or set up.
     bool Open(const std::string& port, uint32_t baud, std::string* errorText);
     void Close();
 
-    int32_t Reserved00() override;
-    int32_t Reserved01() override;
-    int32_t Reserved02() override;
-    int32_t Reserved03() override;
-    int32_t Reserved04() override;
-    int32_t Reserved05() override;
-    int32_t Reserved06() override;
-    int32_t Reserved07() override;
-    int32_t Reserved08() override;
-    int32_t Reserved09() override;
     // Texts of codes and the description are literals or live in storage of
     // the calling thread, valid until that thread's next call.
     const char* GetInfoString(uint32_t what, int64_t code) override;
-    int32_t Lock(void* owner, uint32_t timeoutMs) override;
-    int32_t Reserved12() override;
-    void Unlock(void* owner) override;
-    int32_t Reserved14() override;
     uint32_t GetState() override;
-    int32_t Reserved16() override;
-    int32_t Reserved17() override;
-    int32_t Reserved18() override;
     int32_t Receive(char* buffer, uint32_t bufferSize, uint64_t* received) override;
     int32_t Transmit(const char* data, uint64_t length, uint64_t* written) override;
-    int32_t Reserved21() override;
-    int32_t Reserved22() override;
     int32_t TransmitFileFromMemory(const char* data, uint64_t length, uint8_t fileId,
                                    uint8_t fileType, uint32_t fileMode,
                                    TransferProgressCallback callback, void* context,
                                    uint32_t flag, uint32_t steps) override;
-    int32_t Reserved24() override;
     int32_t TransmitFile(const char* localPath, uint8_t fileId, uint8_t fileType,
                          uint32_t fileMode, TransferProgressCallback callback, void* context,
                          uint32_t flag, uint32_t steps) override;
-    int32_t Reserved26() override;
     int32_t ReadDirectory() override;
     uint64_t GetDirectoryEntryCount() override;
     void GetDirectoryEntry(uint32_t index, TDEVDIRENTRY* entry) override;
@@ -87,10 +61,6 @@ public:
 
 private:
     std::mutex m_mutex;  // the port and the names
-    std::mutex m_lockMutex;
-    std::condition_variable m_lockFree;
-    void* m_lockOwner = nullptr;
-    uint32_t m_lockCount = 0;
     CSerialPort m_port;
     std::string m_portName;
     uint32_t m_baud = 0;

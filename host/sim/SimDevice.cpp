@@ -2,7 +2,6 @@
 // injection, and the host-only slots.
 #include "host/sim/SimDevice.h"
 
-#include <chrono>
 #include <new>
 #include <string_view>
 
@@ -26,13 +25,14 @@ const char* const kFaultableNames[] = {
     "ReadDirectory", "DeleteDeviceFile", "FormatDevice", "Lock",
 };
 
-const uint32_t kWaitForever = 0xFFFFFFFF;
-
 }  // namespace
 
 CSimDevice::CSimDevice() : CSimDevice(TConfig()) {}
 
-CSimDevice::CSimDevice(const TConfig& config) : m_config(config) {
+CSimDevice::CSimDevice(const TConfig& config)
+    : CHostChannel({SIMDEV_ERR_NOTSUPPORTED, SIMDEV_ERR_BADARGUMENT, SIMDEV_ERR_LOCKED,
+                    SIMDEV_ERR_INTERNAL}),
+      m_config(config) {
     if (m_config.blockCount == 0) m_config.blockCount = 1;
     if (m_config.blockSize == 0) m_config.blockSize = 1;
     m_blockFile.assign(m_config.blockCount, -1);
@@ -61,73 +61,28 @@ bool CSimDevice::CheckFault(const char* operation, int32_t* code) {
     return false;
 }
 
-// --- host-only slots -----------------------------------------------------------
+// --- host-only slots, lock and state --------------------------------------------
 
-#define OND_SIM_RESERVED(name)                  \
-    int32_t CSimDevice::name() {                \
-        std::lock_guard<std::mutex> g(m_mutex); \
-        CountCall(#name);                       \
-        return SIMDEV_ERR_NOTSUPPORTED;         \
-    }
-OND_SIM_RESERVED(Reserved00)
-OND_SIM_RESERVED(Reserved01)
-OND_SIM_RESERVED(Reserved02)
-OND_SIM_RESERVED(Reserved03)
-OND_SIM_RESERVED(Reserved04)
-OND_SIM_RESERVED(Reserved05)
-OND_SIM_RESERVED(Reserved06)
-OND_SIM_RESERVED(Reserved07)
-OND_SIM_RESERVED(Reserved08)
-OND_SIM_RESERVED(Reserved09)
-OND_SIM_RESERVED(Reserved12)
-OND_SIM_RESERVED(Reserved14)
-OND_SIM_RESERVED(Reserved16)
-OND_SIM_RESERVED(Reserved17)
-OND_SIM_RESERVED(Reserved18)
-OND_SIM_RESERVED(Reserved21)
-OND_SIM_RESERVED(Reserved22)
-OND_SIM_RESERVED(Reserved24)
-OND_SIM_RESERVED(Reserved26)
-#undef OND_SIM_RESERVED
-
-// --- lock and state ---------------------------------------------------------------
+void CSimDevice::HostSlotCalled(const char* name) {
+    std::lock_guard<std::mutex> g(m_mutex);
+    CountCall(name);
+}
 
 int32_t CSimDevice::Lock(void* owner, uint32_t timeoutMs) {
-    try {
-        std::unique_lock<std::mutex> guard(m_mutex);
+    {
+        std::lock_guard<std::mutex> g(m_mutex);
         int32_t code = 0;
         if (CheckFault("Lock", &code)) return code;
-        if (owner == nullptr) return SIMDEV_ERR_BADARGUMENT;  // null means "unlocked"
-        auto available = [&] { return m_lockOwner == nullptr || m_lockOwner == owner; };
-        if (!available()) {
-            if (timeoutMs == 0) return SIMDEV_ERR_LOCKED;
-            if (timeoutMs == kWaitForever) {
-                m_lockFree.wait(guard, available);
-            } else if (!m_lockFree.wait_for(guard, std::chrono::milliseconds(timeoutMs),
-                                            available)) {
-                return SIMDEV_ERR_LOCKED;
-            }
-        }
-        m_lockOwner = owner;
-        ++m_lockCount;
-        return SIMDEV_ERR_NONE;
-    } catch (...) {
-        return SIMDEV_ERR_INTERNAL;
     }
+    return CHostChannel::Lock(owner, timeoutMs);
 }
 
 void CSimDevice::Unlock(void* owner) {
-    bool released = false;
     {
         std::lock_guard<std::mutex> g(m_mutex);
         CountCall("Unlock");
-        if (owner == nullptr || owner != m_lockOwner) return;  // not the holder: ignored
-        if (--m_lockCount == 0) {
-            m_lockOwner = nullptr;
-            released = true;
-        }
     }
-    if (released) m_lockFree.notify_all();
+    CHostChannel::Unlock(owner);
 }
 
 uint32_t CSimDevice::GetState() {
@@ -162,16 +117,6 @@ bool CSimDevice::InjectFault(const std::string& operation, uint32_t k, int32_t c
 void CSimDevice::ClearFaults() {
     std::lock_guard<std::mutex> g(m_mutex);
     m_faults.clear();
-}
-
-void* CSimDevice::LockOwner() {
-    std::lock_guard<std::mutex> g(m_mutex);
-    return m_lockOwner;
-}
-
-uint32_t CSimDevice::LockCount() {
-    std::lock_guard<std::mutex> g(m_mutex);
-    return m_lockCount;
 }
 
 uint64_t CSimDevice::CallCount(const std::string& operation) {

@@ -3,9 +3,8 @@
 // of the module.
 //
 // Behaviour:
-// - Lock is per owner and re-entrant with a count; another owner waits up to
-//   the timeout (0 = try once, 0xFFFFFFFF = forever). Every operation is
-//   thread-safe.
+// - The lock and the host's own slots are CHostChannel's; the simulation
+//   counts their calls too and can fail a Lock. Every operation is thread-safe.
 // - Loopback: bytes given to Transmit are appended to the receive queue that
 //   Receive drains. Tests may preload the queue or turn loopback off.
 // - Storage: blockCount blocks of blockSize bytes (256 x 4096 by default).
@@ -30,14 +29,13 @@
 #pragma once
 
 #include <chrono>
-#include <condition_variable>
 #include <cstdint>
 #include <map>
 #include <mutex>
 #include <string>
 #include <vector>
 
-#include "frame/OndDeviceComm.h"
+#include "host/channel/HostChannel.h"
 
 // Error codes of the simulated device (texts from GetInfoString(2, code)).
 enum : int32_t {
@@ -62,7 +60,7 @@ enum : uint32_t {
     SIMDEV_MODE_PROGRAM = 2,
 };
 
-class CSimDevice : public COndDeviceComm_0 {
+class CSimDevice : public CHostChannel {
 public:
     struct TConfig {
         uint32_t blockCount = 256;  // 0 is taken as 1
@@ -72,47 +70,25 @@ public:
 
     CSimDevice();
     explicit CSimDevice(const TConfig& config);
-    CSimDevice(const CSimDevice&) = delete;
-    CSimDevice& operator=(const CSimDevice&) = delete;
-    virtual ~CSimDevice() = default;
 
     // --- COndDeviceComm_0 ---------------------------------------------------
-    int32_t Reserved00() override;
-    int32_t Reserved01() override;
-    int32_t Reserved02() override;
-    int32_t Reserved03() override;
-    int32_t Reserved04() override;
-    int32_t Reserved05() override;
-    int32_t Reserved06() override;
-    int32_t Reserved07() override;
-    int32_t Reserved08() override;
-    int32_t Reserved09() override;
     // Fixed texts are string literals that never expire. The configuration line
     // and the text of an unknown code live in storage of the calling thread and
     // stay valid until that thread's next GetInfoString on any simulated device,
     // so concurrent callers never overwrite each other's text.
     const char* GetInfoString(uint32_t what, int64_t code) override;
     int32_t Lock(void* owner, uint32_t timeoutMs) override;
-    int32_t Reserved12() override;
     void Unlock(void* owner) override;
-    int32_t Reserved14() override;
     uint32_t GetState() override;
-    int32_t Reserved16() override;
-    int32_t Reserved17() override;
-    int32_t Reserved18() override;
     int32_t Receive(char* buffer, uint32_t bufferSize, uint64_t* received) override;
     int32_t Transmit(const char* data, uint64_t length, uint64_t* written) override;
-    int32_t Reserved21() override;
-    int32_t Reserved22() override;
     int32_t TransmitFileFromMemory(const char* data, uint64_t length, uint8_t fileId,
                                    uint8_t fileType, uint32_t fileMode,
                                    TransferProgressCallback callback, void* context,
                                    uint32_t flag, uint32_t steps) override;
-    int32_t Reserved24() override;
     int32_t TransmitFile(const char* localPath, uint8_t fileId, uint8_t fileType,
                          uint32_t fileMode, TransferProgressCallback callback, void* context,
                          uint32_t flag, uint32_t steps) override;
-    int32_t Reserved26() override;
     int32_t ReadDirectory() override;
     uint64_t GetDirectoryEntryCount() override;
     void GetDirectoryEntry(uint32_t index, TDEVDIRENTRY* entry) override;
@@ -166,8 +142,7 @@ public:
     };
     TTransfer LastTransfer();
 
-    void* LockOwner();  // null when unlocked
-    uint32_t LockCount();
+    // LockOwner() and LockCount() come from CHostChannel.
     // Calls of an interface operation by its name, counted from construction,
     // whatever their outcome.
     uint64_t CallCount(const std::string& operation);
@@ -183,6 +158,7 @@ private:
         int32_t code;
     };
 
+    void HostSlotCalled(const char* name) override;
     // Counts the call; answers true with *code set when a fault is due.
     bool CheckFault(const char* operation, int32_t* code);  // under m_mutex
     void CountCall(const char* operation);                  // under m_mutex
@@ -206,9 +182,6 @@ private:
 
     TConfig m_config;
     std::mutex m_mutex;
-    std::condition_variable m_lockFree;
-    void* m_lockOwner = nullptr;
-    uint32_t m_lockCount = 0;
     uint32_t m_state = 1;
     // Receive drains from m_receiveOffset on; the consumed front is cut off
     // only now and then, so draining a large queue in small reads stays linear.

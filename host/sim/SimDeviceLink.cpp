@@ -1,9 +1,9 @@
 // The simulated device's byte link: Transmit, Receive and the loopback queue.
 #include <algorithm>
 #include <cstring>
-#include <new>
 
 #include "host/sim/SimDevice.h"
+#include "util/OutOfMemory.h"
 
 namespace {
 
@@ -23,7 +23,7 @@ void CSimDevice::AppendReceive(const char* data, size_t length) {
 }
 
 int32_t CSimDevice::Transmit(const char* data, uint64_t length, uint64_t* written) {
-    try {
+    return ondutil::CatchAll<int32_t>(SIMDEV_ERR_NOMEMORY, SIMDEV_ERR_INTERNAL, [&]() -> int32_t {
         std::lock_guard<std::mutex> g(m_mutex);
         if (written) *written = 0;
         int32_t code = 0;
@@ -35,15 +35,11 @@ int32_t CSimDevice::Transmit(const char* data, uint64_t length, uint64_t* writte
         if (m_config.loopback) AppendReceive(data, static_cast<size_t>(length));
         if (written) *written = length;
         return SIMDEV_ERR_NONE;
-    } catch (const std::bad_alloc&) {
-        return SIMDEV_ERR_NOMEMORY;
-    } catch (...) {
-        return SIMDEV_ERR_INTERNAL;
-    }
+    });
 }
 
 int32_t CSimDevice::Receive(char* buffer, uint32_t bufferSize, uint64_t* received) {
-    try {
+    return ondutil::CatchAll<int32_t>(SIMDEV_ERR_NOMEMORY, SIMDEV_ERR_INTERNAL, [&]() -> int32_t {
         std::lock_guard<std::mutex> g(m_mutex);
         if (received) *received = 0;
         int32_t code = 0;
@@ -71,11 +67,7 @@ int32_t CSimDevice::Receive(char* buffer, uint32_t bufferSize, uint64_t* receive
         count += ReadStream(buffer + count, bufferSize - static_cast<uint32_t>(count));
         *received = count;
         return SIMDEV_ERR_NONE;
-    } catch (const std::bad_alloc&) {
-        return SIMDEV_ERR_NOMEMORY;
-    } catch (...) {
-        return SIMDEV_ERR_INTERNAL;
-    }
+    });
 }
 
 size_t CSimDevice::ReadStream(char* buffer, uint32_t room) {

@@ -1,9 +1,7 @@
 // The simulated device's storage: file transfers, directory, delete, format.
-#include <cstdio>
-#include <new>
-
 #include "host/sim/SimDevice.h"
-#include "os/Platform.h"
+#include "util/OutOfMemory.h"
+#include "util/WholeFile.h"
 
 namespace {
 
@@ -16,19 +14,6 @@ uint8_t ReverseBits(uint8_t b) {
 
 uint32_t Clamp32(uint64_t value) {
     return value > 0xFFFFFFFFu ? 0xFFFFFFFFu : static_cast<uint32_t>(value);
-}
-
-// Whole file into *data; false when it cannot be opened or read.
-bool ReadLocalFile(const char* path, std::string* data) {
-    // On the heap: the channel is called on the script worker's 64 KiB stack.
-    std::vector<char> chunk(65536);
-    FILE* file = OsOpenFile(path, "rb");
-    if (file == nullptr) return false;
-    size_t got;
-    while ((got = fread(chunk.data(), 1, chunk.size(), file)) != 0) data->append(chunk.data(), got);
-    bool ok = ferror(file) == 0;
-    fclose(file);
-    return ok;
 }
 
 }  // namespace
@@ -140,7 +125,7 @@ int32_t CSimDevice::TransmitFileFromMemory(const char* data, uint64_t length, ui
                                            uint8_t fileType, uint32_t fileMode,
                                            TransferProgressCallback callback, void* context,
                                            uint32_t flag, uint32_t steps) {
-    try {
+    return ondutil::CatchAll<int32_t>(SIMDEV_ERR_NOMEMORY, SIMDEV_ERR_INTERNAL, [&]() -> int32_t {
         int32_t result;
         {
             std::lock_guard<std::mutex> g(m_mutex);
@@ -152,17 +137,13 @@ int32_t CSimDevice::TransmitFileFromMemory(const char* data, uint64_t length, ui
         std::string bytes;
         if (length != 0) bytes.assign(data, static_cast<size_t>(length));
         return Store(std::move(bytes), fileId, fileType, fileMode, callback, context, steps);
-    } catch (const std::bad_alloc&) {
-        return SIMDEV_ERR_NOMEMORY;
-    } catch (...) {
-        return SIMDEV_ERR_INTERNAL;
-    }
+    });
 }
 
 int32_t CSimDevice::TransmitFile(const char* localPath, uint8_t fileId, uint8_t fileType,
                                  uint32_t fileMode, TransferProgressCallback callback,
                                  void* context, uint32_t flag, uint32_t steps) {
-    try {
+    return ondutil::CatchAll<int32_t>(SIMDEV_ERR_NOMEMORY, SIMDEV_ERR_INTERNAL, [&]() -> int32_t {
         int32_t result;
         {
             std::lock_guard<std::mutex> g(m_mutex);
@@ -171,19 +152,15 @@ int32_t CSimDevice::TransmitFile(const char* localPath, uint8_t fileId, uint8_t 
                 return result;
         }
         std::string bytes;
-        if (!ReadLocalFile(localPath, &bytes)) return SIMDEV_ERR_LOCALFILE;
+        if (ondutil::ReadWholeFile(localPath, &bytes) != ondutil::WHOLEFILE_OK) return SIMDEV_ERR_LOCALFILE;
         return Store(std::move(bytes), fileId, fileType, fileMode, callback, context, steps);
-    } catch (const std::bad_alloc&) {
-        return SIMDEV_ERR_NOMEMORY;
-    } catch (...) {
-        return SIMDEV_ERR_INTERNAL;
-    }
+    });
 }
 
 // --- directory --------------------------------------------------------------------
 
 int32_t CSimDevice::ReadDirectory() {
-    try {
+    return ondutil::CatchAll<int32_t>(SIMDEV_ERR_NOMEMORY, SIMDEV_ERR_INTERNAL, [&]() -> int32_t {
         std::lock_guard<std::mutex> g(m_mutex);
         // A failed read leaves no stale listing behind.
         m_directory.clear();
@@ -210,11 +187,7 @@ int32_t CSimDevice::ReadDirectory() {
         m_directoryInfo.bytesInFiles = Clamp32(bytesInFiles);
         m_directoryInfo.bytesOnDevice = Clamp32(blocksUsed * m_config.blockSize);
         return SIMDEV_ERR_NONE;
-    } catch (const std::bad_alloc&) {
-        return SIMDEV_ERR_NOMEMORY;
-    } catch (...) {
-        return SIMDEV_ERR_INTERNAL;
-    }
+    });
 }
 
 uint64_t CSimDevice::GetDirectoryEntryCount() {

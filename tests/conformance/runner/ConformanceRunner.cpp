@@ -28,20 +28,15 @@
 #include "script/ScriptExec.h"
 #include "script/ScriptRun.h"
 #include "scriptrt/SysFuncTable.h"
+#include "util/WholeFile.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
 bool ReadFile(const fs::path& path, std::string* text) {
-    FILE* f = fopen(path.string().c_str(), "rb");
-    if (!f) return false;
     text->clear();
-    char buffer[65536];
-    size_t n;
-    while ((n = fread(buffer, 1, sizeof buffer, f)) > 0) text->append(buffer, n);
-    fclose(f);
-    return true;
+    return ondutil::ReadWholeFile(path.string().c_str(), text) == ondutil::WHOLEFILE_OK;
 }
 
 std::string Escape(const std::string& s) {

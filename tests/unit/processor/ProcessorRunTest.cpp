@@ -117,7 +117,7 @@ TEST_F(ProcessorRun, TextRunTakesTheGivenBaseDirectoryOrTheCurrentOne) {
     EXPECT_EQ(processor.GetRunContext()->GetBaseDirectory(), OsCurrentDirectory());
 }
 
-TEST_F(ProcessorRun, ChannelIsHeldOnceForTextAndNestedForFiles) {
+TEST_F(ProcessorRun, ChannelIsHeldOnceForTextAndForFiles) {
     TLOCKSEEN seen;
     seen.device = &device;
     EXPECT_EQ(processor.ExecuteScript("print(\"t\");", nullptr, NoteLock, &seen), EONX_ERR_NONE);
@@ -126,7 +126,7 @@ TEST_F(ProcessorRun, ChannelIsHeldOnceForTextAndNestedForFiles) {
 
     std::string path = scratch.Write("lock.dcs", "print(\"f\");");
     EXPECT_EQ(processor.ExecuteScriptFile(path.c_str(), NoteLock, &seen), EONX_ERR_NONE);
-    EXPECT_EQ(seen.lockCount, 2u);
+    EXPECT_EQ(seen.lockCount, 1u);
     EXPECT_EQ(seen.lockOwner, static_cast<void*>(&processor));
     EXPECT_EQ(device.LockCount(), 0u);
     EXPECT_EQ(device.CallCount("Lock"), device.CallCount("Unlock"));

@@ -1,0 +1,22 @@
+// Reading a whole file into memory, as raw bytes (no line-end or encoding
+// conversion), with the module's path rules.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace ondutil {
+
+enum EWHOLEFILE : uint32_t {
+    WHOLEFILE_OK = 0,
+    WHOLEFILE_OPEN = 1,  // the file cannot be opened for reading
+    WHOLEFILE_READ = 2,  // it has no size (a pipe), or fewer bytes came than its size
+};
+
+// Appends the bytes of the file at path to *bytes, read up to the size the
+// file has when it is opened; on a failure *bytes is left as it was. Needs no
+// stack buffer (the script worker's stack is 64 KiB). A failed allocation
+// throws, for the caller's out-of-memory wall.
+EWHOLEFILE ReadWholeFile(const char* path, std::string* bytes);
+
+}  // namespace ondutil
