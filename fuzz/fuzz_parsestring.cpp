@@ -2,7 +2,8 @@
 // The bytes are copied into a heap buffer of exactly their size plus the NUL
 // the function may read, and parsed in every caller mode: the Terminal's
 // (terminator 0, the text's length), with a quote terminator, the lexer's
-// unlimited length, and with an arbitrary terminator taken from the first byte.
+// unlimited length, and with an arbitrary terminator taken from the first byte;
+// and shown with the display escaper, the bytes must parse back to themselves.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -80,6 +81,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Run(text, size, SIZE_MAX, '"');
     if (size >= 1) Run(text + 1, size - 1, size - 1, text[0]);
     if (size >= 1) Run(text + 1, size - 1, SIZE_MAX, text[0]);
+    // Any bytes, shown escaped, parse back to themselves.
+    std::string bytes(text, size);
+    std::string shown = ondutil::EscapeForDisplay(text, size, true, size % 2 == 0) + "\"";
+    int ok = 0;
+    Check(ondutil::ParseString(shown.c_str(), shown.size(), '"', nullptr, nullptr, &ok) == bytes && ok);
     free(text);
     return 0;
 }

@@ -5,7 +5,7 @@
 
 namespace ondutil {
 
-std::string EscapeForDisplay(const char* bytes, size_t length) {
+std::string EscapeForDisplay(const char* bytes, size_t length, bool quoted, bool keepHigh) {
     std::string out;
     out.reserve(length);
     for (size_t i = 0; i < length; ++i) {
@@ -14,7 +14,8 @@ std::string EscapeForDisplay(const char* bytes, size_t length) {
         else if (c == '\n') out += "\\n";
         else if (c == '\r') out += "\\r";
         else if (c == '\t') out += "\\t";
-        else if (c >= 32 && c <= 126) out += static_cast<char>(c);
+        else if (quoted && c == '"') out += "\\\"";
+        else if ((c >= 32 && c <= 126) || (keepHigh && c >= 0x80)) out += static_cast<char>(c);
         else out += "\\(" + std::to_string(c) + ")";
     }
     return out;

@@ -1,5 +1,5 @@
-// The module's escaped-string syntax: "\n", "\(0x1B)" and the rest become bytes,
-// and bytes shown in it.
+// The module's escaped-string syntax: "\n", "\(x1B)" and the rest become
+// bytes, and bytes shown in it.
 #pragma once
 
 #include <cstddef>
@@ -17,8 +17,11 @@ std::string ParseString(const char* input, size_t length, char terminator, size_
 // The other way: bytes as text that ParseString turns back into the same
 // bytes, on one line. Printable ASCII stays as it is, a backslash is "\\",
 // LF, CR and TAB are "\n", "\r", "\t", every other byte is "\(N)" in
-// decimal. (A double quote is not escaped: the text is meant for display and
-// for the Terminal's input line, where ParseString's terminator is 0.)
-std::string EscapeForDisplay(const char* bytes, size_t length);
+// decimal. By default a double quote is not escaped: the text is meant for
+// display and for the Terminal's input line, where ParseString's terminator
+// is 0. quoted: the double quote too ("\""), for text shown between quotes;
+// keepHigh: bytes from 0x80 on stay as they are (text in the code page).
+std::string EscapeForDisplay(const char* bytes, size_t length, bool quoted = false,
+                             bool keepHigh = false);
 
 }  // namespace ondutil

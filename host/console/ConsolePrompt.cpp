@@ -3,34 +3,21 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <string>
 #include <vector>
 
 #include "host/console/ConsoleTerminal.h"
 #include "script/ScriptValue.h"
 #include "scriptrt/UserInputFuncs.h"
+#include "util/EscapedString.h"
 
 namespace {
 
-// Caption, prompt and message texts on one console line: control bytes and
-// quotes escaped.
+// Caption, prompt and message texts on one console line, in the escaped-string
+// syntax (so that a quote or a line break cannot end the line early).
 std::string OneLine(const char* text) {
-    std::string out;
-    for (const char* p = text ? text : ""; *p; ++p) {
-        unsigned char c = (unsigned char)*p;
-        if (c == '\n') out += "\\n";
-        else if (c == '\r') out += "\\r";
-        else if (c == '\t') out += "\\t";
-        else if (c == '"' || c == '\\') (out += '\\') += (char)c;
-        else if (c < 0x20 || c == 0x7F) {
-            char hex[8];
-            snprintf(hex, sizeof hex, "\\x%02X", c);
-            out += hex;
-        } else {
-            out += (char)c;
-        }
-    }
-    return out;
+    return text ? ondutil::EscapeForDisplay(text, strlen(text), true, true) : std::string();
 }
 
 const char* NumberFunction(uint32_t type) {

@@ -28,6 +28,7 @@
 #include "script/ScriptExec.h"
 #include "script/ScriptRun.h"
 #include "scriptrt/SysFuncTable.h"
+#include "util/EscapedString.h"
 #include "util/WholeFile.h"
 
 namespace fs = std::filesystem;
@@ -39,23 +40,7 @@ bool ReadFile(const fs::path& path, std::string* text) {
     return ondutil::ReadWholeFile(path.string().c_str(), text) == ondutil::WHOLEFILE_OK;
 }
 
-std::string Escape(const std::string& s) {
-    std::string out;
-    for (unsigned char c : s) {
-        if (c == '\n') out += "\\n";
-        else if (c == '\r') out += "\\r";
-        else if (c == '\t') out += "\\t";
-        else if (c == '\\') out += "\\\\";
-        else if (c < 0x20 || c >= 0x7F) {
-            char hex[8];
-            snprintf(hex, sizeof hex, "\\x%02X", c);
-            out += hex;
-        } else {
-            out += (char)c;
-        }
-    }
-    return out;
-}
+std::string Shown(const std::string& s) { return ondutil::EscapeForDisplay(s.data(), s.size(), true); }
 
 // The expectation written in the script's comment lines.
 void ParseExpectations(const std::string& text, std::string* output, uint32_t* code) {
@@ -171,8 +156,8 @@ int main(int argc, char** argv) {
             } else {
                 failed++;
                 printf("FAIL %s\n", script.string().c_str());
-                printf("  expected status %u, output \"%s\"\n", expectedStatus, Escape(expected).c_str());
-                printf("  actual   status %u, output \"%s\"\n", status, Escape(actual).c_str());
+                printf("  expected status %u, output \"%s\"\n", expectedStatus, Shown(expected).c_str());
+                printf("  actual   status %u, output \"%s\"\n", status, Shown(actual).c_str());
             }
             continue;
         }
@@ -190,8 +175,8 @@ int main(int argc, char** argv) {
         }
         failed++;
         printf("FAIL %s\n", script.string().c_str());
-        printf("  expected code 0x%08X, output \"%s\"\n", expectedCode, Escape(expected).c_str());
-        printf("  actual   code 0x%08X, output \"%s\"\n", code, Escape(actual).c_str());
+        printf("  expected code 0x%08X, output \"%s\"\n", expectedCode, Shown(expected).c_str());
+        printf("  actual   code 0x%08X, output \"%s\"\n", code, Shown(actual).c_str());
     }
     printf("%d passed, %d failed\n", passed, failed);
     return failed ? 1 : 0;

@@ -35,4 +35,20 @@ TEST(EscapeForDisplay, EveryByteComesBackThroughTheParser) {
     EXPECT_EQ(ParsedBack(Shown(std::string("\x01" "2\x1b" "3", 4))), std::string("\x01" "2\x1b" "3", 4));
 }
 
+// Between quotes (the console's prompts, the conformance runner's reports):
+// the quote is escaped, and code-page text may stay as it is; what is shown
+// is read back by a parse that stops at the closing quote.
+TEST(EscapeForDisplay, QuotedAndCodePageText) {
+    EXPECT_EQ(ondutil::EscapeForDisplay("a\"\xE4", 3, true, true), "a\\\"\xE4");
+    std::string all;
+    for (int c = 0; c < 256; ++c) all += static_cast<char>(c);
+    for (bool keepHigh : {false, true}) {
+        std::string shown = ondutil::EscapeForDisplay(all.data(), all.size(), true, keepHigh) + "\"";
+        size_t end = 0;
+        int ok = 0;
+        EXPECT_EQ(ondutil::ParseString(shown.c_str(), shown.size(), '"', &end, nullptr, &ok), all);
+        EXPECT_EQ(end, shown.size());
+    }
+}
+
 }  // namespace
