@@ -20,6 +20,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "frame/DlgPlacement.h"
 #include "frame/Export.h"
 #include "frame/OndDeviceComm.h"
 
@@ -72,27 +73,6 @@ protected:
     bool m_bModal = false;
 
     friend struct TDialogProc;
-};
-
-// One control anchored by AutoDlgCtrlPlacement, in pixels at registration.
-struct TONX_DLGCTRLPLACEMENT {
-    uint32_t ctrlId;
-    uint32_t flags;
-    int32_t width;
-    int32_t height;
-    int32_t left;          // from the client area's left edge
-    int32_t top;           // from the client area's top edge
-    int32_t rightMargin;   // client right - control right
-    int32_t bottomMargin;  // client bottom - control bottom
-};
-static_assert(sizeof(TONX_DLGCTRLPLACEMENT) == 32, "placement record layout");
-
-// Placement flags. Other bits a dialog passes are kept and ignored.
-enum : uint32_t {
-    ONX_PLACE_SIZEX = 1,   // may change its width
-    ONX_PLACE_SIZEY = 2,   // may change its height
-    ONX_PLACE_RIGHT = 4,   // follows the right edge
-    ONX_PLACE_BOTTOM = 8,  // follows the bottom edge
 };
 
 class ONX_EXPORT CONXDialog : public CONXDialogBase {

@@ -67,7 +67,14 @@ public:
     COsThread& operator=(const COsThread&) = delete;
     ~COsThread();  // joins a thread still running
     bool Start(size_t stackSize, TEntry entry, void* argument);
+    bool IsStarted() const { return m_handle != nullptr; }  // started and not joined yet
+    // Waits up to timeoutMs (0xFFFFFFFF = forever) for the thread to end; true
+    // when it has ended or none was started. Join still follows.
+    bool Wait(uint32_t timeoutMs);
     void Join();
+    // What a window waits on to serve messages meanwhile: the thread's HANDLE
+    // on Windows; null elsewhere.
+    void* WaitHandle() const;
 
 private:
     void* m_handle = nullptr;

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "frame/ChannelStatus.h"
 #include "frame/DeviceClient.h"
 #include "frame/Dialog.h"
 #include "frame/win32/App.h"
@@ -265,19 +266,10 @@ void CONXDialog::LoadSmallIcon(uint32_t iconId) {
 void CONXDialog::UpdateCommStatus(uint32_t ctrlId) {
     if (!m_hWnd) return;
     std::string text;
-    if (!m_pDeviceComm) {
-        text = "No communication device...";
-    } else if (m_pDeviceComm->Lock(this, 0) == 0) {
-        // Polling never waits: a busy channel blanks the text for one tick.
-        const char* description = m_pDeviceComm->GetInfoString(ONDCOMM_INFO_DESCRIPTION, 0);
-        text = "Channel description: ";
-        text += description ? description : "";
-        const char* configuration = m_pDeviceComm->GetInfoString(ONDCOMM_INFO_CONFIGURATION, 0);
-        text += "\nChannel configuration: ";
-        text += configuration ? configuration : "";
-        text += "\nState: ";
-        text += m_pDeviceComm->GetState() == 1 ? "open" : "closed";
-        m_pDeviceComm->Unlock(this);
+    try {
+        text = ChannelStatusText(m_pDeviceComm, this);
+    } catch (...) {
+        // Out of memory: the status is blank for this tick.
     }
     SetDlgItemTextA(m_hWnd, static_cast<int>(ctrlId), text.c_str());
 }
@@ -326,17 +318,10 @@ void CONXDialog::AutoDlgCtrlPlacement(uint32_t ctrlId, uint32_t flags) {
     GetClientRect(m_hWnd, &client);
     MapWindowPoints(m_hWnd, nullptr, reinterpret_cast<POINT*>(&client), 2);
     GetWindowRect(control, &item);
-    TONX_DLGCTRLPLACEMENT record;
-    record.ctrlId = ctrlId;
-    record.flags = flags;
-    record.width = item.right - item.left;
-    record.height = item.bottom - item.top;
-    record.left = item.left - client.left;
-    record.top = item.top - client.top;
-    record.rightMargin = client.right - item.right;
-    record.bottomMargin = client.bottom - item.bottom;
     try {
-        m_Placement.push_back(record);
+        m_Placement.push_back(DlgCtrlPlacement(ctrlId, flags,
+                                               {client.left, client.top, client.right, client.bottom},
+                                               {item.left, item.top, item.right, item.bottom}));
     } catch (...) {
         // Out of memory: this control simply stays where it is.
     }
@@ -349,27 +334,15 @@ void CONXDialog::OnSizeDlgCtrlPlacement(int cx, int cy) {
     for (const TONX_DLGCTRLPLACEMENT& record : m_Placement) {
         HWND control = GetDlgItem(record.ctrlId);
         if (!control) continue;
-        int left = record.left, top = record.top, width = record.width, height = record.height;
-        if (record.flags & ONX_PLACE_RIGHT) {
-            if (record.flags & ONX_PLACE_SIZEX) width = cx - record.rightMargin - left;
-            else left = cx - record.rightMargin - width;
-        }
-        if (record.flags & ONX_PLACE_BOTTOM) {
-            if (record.flags & ONX_PLACE_SIZEY) height = cy - record.bottomMargin - top;
-            else top = cy - record.bottomMargin - height;
-        }
-        defer = DeferWindowPos(defer, control, nullptr, left, top, width, height,
-                               SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOOWNERZORDER);
+        TONX_DLGRECT to = DlgCtrlPosition(record, cx, cy);
+        defer = DeferWindowPos(defer, control, nullptr, to.left, to.top, to.right - to.left,
+                               to.bottom - to.top, SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOOWNERZORDER);
         if (!defer) return;  // the system has freed the positioning
     }
     EndDeferWindowPos(defer);
     // Stretched lists and edits repaint whole, not only their new strip.
     for (const TONX_DLGCTRLPLACEMENT& record : m_Placement) {
-        bool stretchX = (record.flags & (ONX_PLACE_SIZEX | ONX_PLACE_RIGHT)) ==
-                        (ONX_PLACE_SIZEX | ONX_PLACE_RIGHT);
-        bool stretchY = (record.flags & (ONX_PLACE_SIZEY | ONX_PLACE_BOTTOM)) ==
-                        (ONX_PLACE_SIZEY | ONX_PLACE_BOTTOM);
         HWND control = GetDlgItem(record.ctrlId);
-        if (control && (stretchX || stretchY)) InvalidateRect(control, nullptr, FALSE);
+        if (control && DlgCtrlStretches(record.flags)) InvalidateRect(control, nullptr, FALSE);
     }
 }

@@ -111,14 +111,21 @@ void OsLocalTime(TOSLOCALTIME* time) {
 }
 
 namespace {
+// What m_handle points to: the thread and the event its last act sets.
+struct TPosixThread {
+    pthread_t thread;
+    COsEvent ended;
+};
 struct TThreadStart {
     COsThread::TEntry entry;
     void* argument;
+    COsEvent* ended;
 };
 void* ThreadMain(void* p) {
     TThreadStart start = *static_cast<TThreadStart*>(p);
     delete static_cast<TThreadStart*>(p);
     start.entry(start.argument);
+    start.ended->Set();
     return nullptr;
 }
 }  // namespace
@@ -129,9 +136,9 @@ bool COsThread::Start(size_t stackSize, TEntry entry, void* argument) {
     if (pthread_attr_init(&attr) != 0) return false;
     if (stackSize < (size_t)PTHREAD_STACK_MIN) stackSize = PTHREAD_STACK_MIN;
     pthread_attr_setstacksize(&attr, stackSize);
-    auto* start = new (std::nothrow) TThreadStart{entry, argument};
-    pthread_t* thread = new (std::nothrow) pthread_t;
-    bool ok = start && thread && pthread_create(thread, &attr, ThreadMain, start) == 0;
+    auto* thread = new (std::nothrow) TPosixThread;
+    auto* start = thread ? new (std::nothrow) TThreadStart{entry, argument, &thread->ended} : nullptr;
+    bool ok = start && pthread_create(&thread->thread, &attr, ThreadMain, start) == 0;
     pthread_attr_destroy(&attr);
     if (!ok) {
         delete start;
@@ -142,10 +149,17 @@ bool COsThread::Start(size_t stackSize, TEntry entry, void* argument) {
     return true;
 }
 
+bool COsThread::Wait(uint32_t timeoutMs) {
+    if (!m_handle) return true;
+    return static_cast<TPosixThread*>(m_handle)->ended.Wait(timeoutMs);
+}
+
+void* COsThread::WaitHandle() const { return nullptr; }
+
 void COsThread::Join() {
     if (!m_handle) return;
-    auto* thread = static_cast<pthread_t*>(m_handle);
-    pthread_join(*thread, nullptr);
+    auto* thread = static_cast<TPosixThread*>(m_handle);
+    pthread_join(thread->thread, nullptr);
     delete thread;
     m_handle = nullptr;
 }

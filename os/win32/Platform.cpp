@@ -74,6 +74,13 @@ bool COsThread::Start(size_t stackSize, TEntry entry, void* argument) {
     return true;
 }
 
+bool COsThread::Wait(uint32_t timeoutMs) {
+    if (!m_handle) return true;
+    return WaitForSingleObject(static_cast<HANDLE>(m_handle), timeoutMs) == WAIT_OBJECT_0;
+}
+
+void* COsThread::WaitHandle() const { return m_handle; }
+
 void COsThread::Join() {
     if (!m_handle) return;
     WaitForSingleObject(static_cast<HANDLE>(m_handle), INFINITE);

@@ -12,7 +12,7 @@
 
 namespace {
 
-const DWORD kWorkerStackBytes = 65536;
+const size_t kWorkerStackBytes = 65536;
 const UINT_PTR kLogTimerId = 2;  // the status timer is 1
 const char kScriptFilter[] = "Script files (*.dcs)\0*.dcs\0All files (*.*)\0*.*\0";
 
@@ -20,10 +20,11 @@ const char kScriptFilter[] = "Script files (*.dcs)\0*.dcs\0All files (*.*)\0*.*\
 const struct {
     uint32_t id, flags;
 } kPlacement[] = {
-    {IDC_SP_CONFIG, 0x10007}, {IDC_SP_LOG, 0x1000F},    {IDC_SP_PATHLABEL, 0x10039},
-    {IDC_SP_PATH, 0x1002D},   {IDC_SP_BROWSE, 0x1003C}, {IDOK, 0x1003C},
-    {IDC_SP_COPY, 0x10039},   {IDC_SP_NEW, 0x10039},    {IDC_SP_EDIT, 0x1003C},
-    {IDC_SP_EXECUTE, 0x1003C},
+    {IDC_SP_CONFIG, ONX_PLACE_TOPSTRIP},      {IDC_SP_LOG, ONX_PLACE_FILL},
+    {IDC_SP_PATHLABEL, ONX_PLACE_BOTTOMLEFT}, {IDC_SP_PATH, ONX_PLACE_BOTTOMSTRIP},
+    {IDC_SP_BROWSE, ONX_PLACE_BOTTOMRIGHT},   {IDOK, ONX_PLACE_BOTTOMRIGHT},
+    {IDC_SP_COPY, ONX_PLACE_BOTTOMLEFT},      {IDC_SP_NEW, ONX_PLACE_BOTTOMLEFT},
+    {IDC_SP_EDIT, ONX_PLACE_BOTTOMRIGHT},     {IDC_SP_EXECUTE, ONX_PLACE_BOTTOMRIGHT},
 };
 
 std::string ControlText(HWND control) {
@@ -44,26 +45,14 @@ void SetTextIfChanged(HWND control, const char* text) {
 
 CScriptProcessorDialog::CScriptProcessorDialog(HWND parent)
     : CONXDialog(IDD_SCRIPTPROCESSOR, parent) {
-    m_hIdleEvent = CreateEventA(nullptr, TRUE, TRUE, nullptr);
     LoadSmallIcon(IDI_SCRIPTPROCESSOR);
 }
 
-CScriptProcessorDialog::~CScriptProcessorDialog() {
-    m_bClosing = true;
-    EndRun();
-    if (m_hIdleEvent) {
-        WaitForSingleObject(m_hIdleEvent, INFINITE);
-        CloseHandle(m_hIdleEvent);
-    }
-}
+CScriptProcessorDialog::~CScriptProcessorDialog() { m_Run.Close(); }
 
 CONXScriptProcessor* CScriptProcessorDialog::Processor() const {
     // Only the Script Processor makes this dialog.
     return static_cast<CONXScriptProcessor*>(static_cast<CONXDeviceClient*>(m_pOwner));
-}
-
-bool CScriptProcessorDialog::IsIdle() const {
-    return !m_hIdleEvent || WaitForSingleObject(m_hIdleEvent, 0) == WAIT_OBJECT_0;
 }
 
 bool CScriptProcessorDialog::OnInitDialog() {
@@ -91,7 +80,7 @@ bool CScriptProcessorDialog::OnMessage(uint32_t message, uintptr_t wParam, intpt
             return true;
         case ONX_WM_SCRIPTSELECT:
             *result = 0;
-            if (wParam && IsIdle()) {
+            if (wParam && m_Run.IsIdle()) {
                 m_strScriptPath = reinterpret_cast<const char*>(wParam);
                 UpdateDialogState();
                 if (lParam) OnExecute();
@@ -107,8 +96,7 @@ bool CScriptProcessorDialog::OnMessage(uint32_t message, uintptr_t wParam, intpt
         }
         case WM_DESTROY:
             // Also when the window goes with its parent, without DestroyWindow.
-            m_bClosing = true;
-            EndRun();
+            m_Run.Close();
             return false;
     }
     return CONXDialog::OnMessage(message, wParam, lParam, result);
@@ -127,8 +115,7 @@ bool CScriptProcessorDialog::OnCommand(uint32_t id, uint32_t notifyCode, HWND co
 }
 
 bool CScriptProcessorDialog::DestroyWindow() {
-    m_bClosing = true;
-    EndRun();
+    m_Run.Close();
     return CONXDialog::DestroyWindow();
 }
 
@@ -139,16 +126,16 @@ void CScriptProcessorDialog::UpdateDialogState() {
     bool havePath = !m_strScriptPath.empty();
     EnableWindow(GetDlgItem(IDC_SP_EDIT), havePath);
     EnableWindow(GetDlgItem(IDC_SP_EXECUTE), havePath);
-    SetTextIfChanged(GetDlgItem(IDC_SP_EXECUTE), IsIdle() ? "Execute script" : "Stop script");
+    SetTextIfChanged(GetDlgItem(IDC_SP_EXECUTE), m_Run.IsIdle() ? "Execute script" : "Stop script");
 }
 
 void CScriptProcessorDialog::Error(const char* text) {
     MessageBoxA(m_hWnd, text, "Error", MB_OK | MB_ICONEXCLAMATION);
 }
 
-void CScriptProcessorDialog::OnBrowse() {
+bool CScriptProcessorDialog::AskScriptPath(bool save, std::string* path) {
     char file[MAX_PATH] = "";
-    lstrcpynA(file, m_strScriptPath.c_str(), MAX_PATH);
+    lstrcpynA(file, path->c_str(), MAX_PATH);
     OPENFILENAMEA ofn = {};
     ofn.lStructSize = sizeof ofn;
     ofn.hwndOwner = m_hWnd;
@@ -156,35 +143,38 @@ void CScriptProcessorDialog::OnBrowse() {
     ofn.nFilterIndex = 1;
     ofn.lpstrFile = file;
     ofn.nMaxFile = MAX_PATH;
-    ofn.lpstrTitle = "Open a script file";
     ofn.lpstrDefExt = "dcs";
-    ofn.Flags = OFN_EXPLORER | OFN_HIDEREADONLY | OFN_PATHMUSTEXIST | OFN_FILEMUSTEXIST;
-    if (!GetOpenFileNameA(&ofn)) return;  // cancelled: nothing changes
-    m_strScriptPath = file;
+    ofn.Flags = OFN_EXPLORER | OFN_HIDEREADONLY;
+    if (save) {
+        ofn.lpstrTitle = "New script file";
+        ofn.Flags |= OFN_OVERWRITEPROMPT;
+    } else {
+        ofn.lpstrTitle = "Open a script file";
+        ofn.Flags |= OFN_PATHMUSTEXIST | OFN_FILEMUSTEXIST;
+    }
+    if (!(save ? GetSaveFileNameA(&ofn) : GetOpenFileNameA(&ofn))) return false;
+    *path = file;
+    return true;
+}
+
+void CScriptProcessorDialog::OnBrowse() {
+    std::string path = m_strScriptPath;
+    if (!AskScriptPath(false, &path)) return;  // cancelled: nothing changes
+    m_strScriptPath = path;
     UpdateDialogState();
 }
 
 void CScriptProcessorDialog::OnNewScript() {
-    char file[MAX_PATH] = "";
-    OPENFILENAMEA ofn = {};
-    ofn.lStructSize = sizeof ofn;
-    ofn.hwndOwner = m_hWnd;
-    ofn.lpstrFilter = kScriptFilter;
-    ofn.nFilterIndex = 1;
-    ofn.lpstrFile = file;
-    ofn.nMaxFile = MAX_PATH;
-    ofn.lpstrTitle = "New script file";
-    ofn.lpstrDefExt = "dcs";
-    ofn.Flags = OFN_EXPLORER | OFN_HIDEREADONLY | OFN_OVERWRITEPROMPT;
-    if (!GetSaveFileNameA(&ofn)) return;
+    std::string path;  // no initial name
+    if (!AskScriptPath(true, &path)) return;
     // Opening for writing empties an existing file; the overwrite prompt asked.
-    FILE* created = std::fopen(file, "wb");
+    FILE* created = std::fopen(path.c_str(), "wb");
     if (!created) {
         Error("Cannot create script file!");
         return;
     }
     std::fclose(created);
-    m_strScriptPath = file;
+    m_strScriptPath = path;
     UpdateDialogState();
     OnEditScript();
 }
@@ -217,90 +207,95 @@ void CScriptProcessorDialog::OnEditScript() {
 }
 
 void CScriptProcessorDialog::OnExecute() {
-    if (!IsIdle()) {
+    if (!m_Run.IsIdle()) {
         // The button does not wait: the script ends by itself.
-        if (m_pOwner) Processor()->StopScript();
+        m_Run.Stop();
         UpdateDialogState();
         return;
     }
-    ResetEvent(m_hIdleEvent);
     m_Log.Clear();
     HWND log = GetDlgItem(IDC_SP_LOG);
     SendMessageA(log, LB_RESETCONTENT, 0, 0);
     SendMessageA(log, LB_SETHORIZONTALEXTENT, 0, 0);
     ShowLog();
     if (!m_pOwner) {
-        SetEvent(m_hIdleEvent);  // nothing to run: not left "running"
+        // nothing to run
     } else if (!m_pDeviceComm) {
-        SetEvent(m_hIdleEvent);
         Error("No communication device available!");
     } else {
         m_strRunPath = m_strScriptPath;
         m_hRunWindow = m_hWnd;
         m_Prompt.Reset();
-        DWORD id = 0;
-        m_hThread = CreateThread(nullptr, kWorkerStackBytes, WorkerThread, this,
-                                 STACK_SIZE_PARAM_IS_A_RESERVATION, &id);
-        m_nThreadId = id;
-        if (!m_hThread) {
-            SetEvent(m_hIdleEvent);
-            Error("Unable to create script thread");
-        }
+        if (!m_Run.Start(kWorkerStackBytes)) Error("Unable to create script thread");
     }
     UpdateDialogState();
 }
 
-unsigned long __stdcall CScriptProcessorDialog::WorkerThread(void* parameter) {
-    auto* self = static_cast<CScriptProcessorDialog*>(parameter);
-    CONXScriptProcessor* processor = self->Processor();
-    EONX_ERR_ERRCODE_ result;
+uint32_t CScriptProcessorDialog::RunWork() noexcept {
+    CONXScriptProcessor* processor = Processor();
     try {
         // The questions of this run go to the operator dialogs; whoever asked
         // before (a host of its own) gets its prompt back afterwards.
         CONXOperatorPrompt_0* previous = processor->GetRunContext()->m_pOperator;
-        processor->SetOperatorPrompt(&self->m_Prompt);
-        result = processor->ExecuteScriptFile(self->m_strRunPath.c_str(), Output, self);
+        processor->SetOperatorPrompt(&m_Prompt);
+        EONX_ERR_ERRCODE_ result = processor->ExecuteScriptFile(m_strRunPath.c_str(), Output, this);
         processor->SetOperatorPrompt(previous);
+        return result;
     } catch (...) {
-        result = EONX_ERR_SCRIPTFAILED;
+        return EONX_ERR_SCRIPTFAILED;
     }
-    HWND window = self->m_hRunWindow;
-    // A closing window does not serve posted messages: the worker ends the
-    // run itself then.
-    if (self->m_bClosing || !IsWindow(window) ||
-        !PostMessageA(window, ONX_WM_SCRIPTENDED, static_cast<WPARAM>(result), 0))
-        SetEvent(self->m_hIdleEvent);
-    return static_cast<unsigned long>(result);
 }
+
+bool CScriptProcessorDialog::PostEnd(uint32_t result) {
+    return IsWindow(m_hRunWindow) &&
+           PostMessageA(m_hRunWindow, ONX_WM_SCRIPTENDED, static_cast<WPARAM>(result), 0);
+}
+
+void CScriptProcessorDialog::RequestStop() {
+    if (m_pOwner) Processor()->StopScript();
+}
+
+// Output sent meanwhile is served (and dropped: the run is closing).
+bool CScriptProcessorDialog::WaitForWorker(COsThread* worker, uint32_t timeoutMs) {
+    HANDLE thread = static_cast<HANDLE>(worker->WaitHandle());
+    for (;;) {
+        DWORD woke = MsgWaitForMultipleObjects(1, &thread, FALSE, timeoutMs, QS_SENDMESSAGE);
+        if (woke == WAIT_OBJECT_0 + 1) {
+            MSG msg;
+            PeekMessageA(&msg, nullptr, 0, 0, PM_NOREMOVE | PM_QS_SENDMESSAGE);
+            continue;
+        }
+        if (woke == WAIT_TIMEOUT) return false;
+        return worker->Wait(0xFFFFFFFF);  // ended, or the wait failed: wait plainly
+    }
+}
+
+// A question that opened after the first sweep is closed by a later one.
+void CScriptProcessorDialog::Abandon() { m_Prompt.Abandon(); }
 
 void CScriptProcessorDialog::Output(void* dialog, const char* text) {
     auto* self = static_cast<CScriptProcessorDialog*>(dialog);
-    if (self->m_bClosing) return;
+    if (self->m_Run.IsClosing()) return;
     HWND window = self->m_hRunWindow;
     if (IsWindow(window)) SendMessageA(window, ONX_WM_SCRIPTOUTPUT, reinterpret_cast<WPARAM>(text), 0);
 }
 
 void CScriptProcessorDialog::OnScriptEnded(uint32_t result) {
     ShowLog();
-    if (m_hThread) {
-        WaitForSingleObject(m_hThread, INFINITE);
-        CloseHandle(m_hThread);
-        m_hThread = nullptr;
-        m_nThreadId = 0;
-    }
+    m_Run.JoinWorker();
     UpdateDialogState();
-    if (result != 0 && !m_bClosing) {
+    if (result != 0 && !m_Run.IsClosing()) {
         const char* reason = m_pDeviceComm ? m_pDeviceComm->GetInfoString(ONDCOMM_INFO_ERRORTEXT, result) : nullptr;
         std::string text = "Error executing script: ";
         text += reason ? reason : "";
         Error(text.c_str());
     }
-    SetEvent(m_hIdleEvent);
+    m_Run.MarkIdle();
     UpdateDialogState();
 }
 
 void CScriptProcessorDialog::AppendOutput(const char* text) {
-    if (m_bClosing || !text) return;
+    if (m_Run.IsClosing() || !text) return;
     HWND log = GetDlgItem(IDC_SP_LOG);
     if (!log) return;
     TSCRIPTLOGCHANGE change;
@@ -364,31 +359,4 @@ void CScriptProcessorDialog::ShowLog() {
 void CScriptProcessorDialog::OnTimer(uintptr_t id) {
     if (id == kLogTimerId) ShowLog();
     else CONXDialog::OnTimer(id);
-}
-
-void CScriptProcessorDialog::EndRun() {
-    if (m_hThread) {
-        HANDLE thread = m_hThread;
-        if (m_pOwner) Processor()->StopScript();
-        m_Prompt.Abandon();
-        // Output sent meanwhile is served (and dropped) here; a question that
-        // opened after the first sweep is closed by a later one.
-        for (;;) {
-            DWORD woke = MsgWaitForMultipleObjects(1, &thread, FALSE, 100, QS_SENDMESSAGE);
-            if (woke == WAIT_OBJECT_0) break;
-            if (woke == WAIT_OBJECT_0 + 1) {
-                MSG msg;
-                PeekMessageA(&msg, nullptr, 0, 0, PM_NOREMOVE | PM_QS_SENDMESSAGE);
-            } else if (woke == WAIT_TIMEOUT) {
-                m_Prompt.Abandon();
-            } else {
-                WaitForSingleObject(thread, INFINITE);
-                break;
-            }
-        }
-        CloseHandle(thread);
-        m_hThread = nullptr;
-        m_nThreadId = 0;
-    }
-    if (m_hIdleEvent) SetEvent(m_hIdleEvent);
 }

@@ -2,16 +2,16 @@
 // operator picks, creates or edits a script file, runs it on a worker thread
 // and watches its output in the log; the window's thread stays free.
 //
-// The worker sends each piece of output with ONX_WM_SCRIPTOUTPUT (and waits
-// until the log shows it) and posts ONX_WM_SCRIPTENDED with the run's result.
-// The idle event is the one state both threads read: set = no script runs.
+// The run goes through a CONXRunController: the worker sends each piece of
+// output with ONX_WM_SCRIPTOUTPUT (and waits until the log shows it) and posts
+// ONX_WM_SCRIPTENDED with the run's result.
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 #include <string>
 
 #include "frame/Dialog.h"
+#include "frame/RunController.h"
 #include "scriptrt/ScriptLog.h"
 #include "scriptrt/win32/UserInputDialogs.h"
 
@@ -26,7 +26,7 @@ enum : uint32_t {
     ONX_WM_SCRIPTSELECT = 0x8002,
 };
 
-class CScriptProcessorDialog : public CONXDialog {
+class CScriptProcessorDialog : public CONXDialog, private CONXRunJob_0 {
 public:
     explicit CScriptProcessorDialog(HWND parent);
     ~CScriptProcessorDialog() override;
@@ -39,8 +39,16 @@ public:
     void OnTimer(uintptr_t id) override;
 
 private:
+    // The run's work and the window's side of it.
+    uint32_t RunWork() noexcept override;
+    bool PostEnd(uint32_t result) override;
+    void RequestStop() override;
+    bool WaitForWorker(COsThread* worker, uint32_t timeoutMs) override;
+    void Abandon() override;
+
     CONXScriptProcessor* Processor() const;
-    bool IsIdle() const;
+    // The open or save dialog for a script file; false when cancelled.
+    bool AskScriptPath(bool save, std::string* path);
     void OnBrowse();
     void OnNewScript();
     void OnEditScript();
@@ -49,21 +57,14 @@ private:
     void AppendOutput(const char* text);
     // Scrolls the log to its end and paints what output has changed.
     void ShowLog();
-    // Stops a run in progress and waits for its thread, serving the output it
-    // sends meanwhile; afterwards no worker exists and the idle event is set.
-    void EndRun();
     void Error(const char* text);
 
-    static unsigned long __stdcall WorkerThread(void* dialog);
     static void Output(void* dialog, const char* text);
 
     std::string m_strScriptPath;
     std::string m_strRunPath;        // the worker's copy for its run
     HWND m_hRunWindow = nullptr;     // the window the worker reports to
-    void* m_hIdleEvent;              // HANDLE
-    void* m_hThread = nullptr;       // HANDLE
-    unsigned long m_nThreadId = 0;
-    std::atomic<bool> m_bClosing{false};
+    CONXRunController m_Run{this};
     CONXScriptLog m_Log;
     unsigned long m_nLastPaint = 0;  // tick of the log's last paint
     bool m_bLogPending = false;      // changed, drawing off, not yet shown
