@@ -89,35 +89,25 @@ class UtilSaveJobFile : public JobFileDir {};
 // --- FillEntry ---------------------------------------------------------------
 
 TEST(UtilFillEntry, PathColumn) {
-    std::string base = "C:\\jobs";
-    TFILEENTRY e;
-    std::string text = "a.bin";
-    ondutil::FillEntry(0, &text, &e, base);
-    EXPECT_EQ(e.path, "C:\\jobs\\a.bin");
-    text = "D:\\x\\..\\y";  // absolute: copied as it stands, no clean-up
-    ondutil::FillEntry(0, &text, &e, base);
-    EXPECT_EQ(e.path, "D:\\x\\..\\y");
-    text = "\\\\srv\\f";
-    ondutil::FillEntry(0, &text, &e, base);
-    EXPECT_EQ(e.path, "\\\\srv\\f");
-    text = "..\\up.bin";
-    ondutil::FillEntry(0, &text, &e, base);
-    EXPECT_EQ(e.path, "C:\\up.bin");
-    text = "..\\..\\far.bin";  // climbs above the start: the text as given
-    ondutil::FillEntry(0, &text, &e, base);
-    EXPECT_EQ(e.path, "..\\..\\far.bin");
-    std::string noBase;
-    text = "rel.bin";
-    ondutil::FillEntry(0, &text, &e, noBase);
-    EXPECT_EQ(e.path, "rel.bin");
-}
-
-TEST(UtilFillEntry, DotQuirkOutOfRangeKeepsTheTextUnjoined) {
-    std::string base = "C:\\jobs";
-    TFILEENTRY e;
-    std::string text = ".\\b.bin";
-    EXPECT_NO_THROW(ondutil::FillEntry(0, &text, &e, base));
-    EXPECT_EQ(e.path, ".\\b.bin");
+    const struct {
+        const char* base;
+        const char* text;
+        const char* path;
+    } cases[] = {
+        {"C:\\jobs", "a.bin", "C:\\jobs\\a.bin"},
+        {"C:\\jobs", "D:\\x\\..\\y", "D:\\x\\..\\y"},  // absolute: as it stands, no clean-up
+        {"C:\\jobs", "\\\\srv\\f", "\\\\srv\\f"},
+        {"C:\\jobs", "..\\up.bin", "C:\\up.bin"},
+        {"C:\\jobs", "..\\..\\far.bin", "..\\..\\far.bin"},  // above the start: as given
+        {"C:\\jobs", ".\\b.bin", ".\\b.bin"},  // the "." quirk throws inside: kept unjoined
+        {"", "rel.bin", "rel.bin"},
+    };
+    for (const auto& c : cases) {
+        std::string base = c.base, text = c.text;
+        TFILEENTRY e;
+        EXPECT_NO_THROW(ondutil::FillEntry(0, &text, &e, base));
+        EXPECT_EQ(e.path, c.path) << c.text;
+    }
 }
 
 TEST(UtilFillEntry, NumberColumns) {
@@ -189,111 +179,62 @@ TEST_F(UtilLoadJobFile, LoadMissingFileLeavesListUntouched) {
     EXPECT_EQ(ondutil::LoadJobFile(Path("job.dcj").c_str(), nullptr), 0);
 }
 
-TEST_F(UtilLoadJobFile, LoadClearsTheListFirst) {
-    std::vector<TFILEENTRY> list(3);
-    Write("job.dcj", "");
-    EXPECT_EQ(ondutil::LoadJobFile(Path("job.dcj").c_str(), &list), 1);
-    EXPECT_TRUE(list.empty());
-}
-
-TEST_F(UtilLoadJobFile, LoadOrdinaryLines) {
-    auto list = Load("a.bin\t1\t2\tnormal\nsub\\b.bin\t3\t4\tbit reverse\nD:\\c.bin\t5\t6\tprogram\n");
-    ASSERT_EQ(list.size(), 3u);
-    ExpectEntry(list[0], Path("a.bin"), 1, 2, 0);
-    ExpectEntry(list[1], Path("sub\\b.bin"), 3, 4, 1);
-    ExpectEntry(list[2], "D:\\c.bin", 5, 6, 2);
-}
-
-TEST_F(UtilLoadJobFile, CrLfLoadsLikeLf) {
-    const std::string lf = "a.bin\t1\t2\tprogram\nb.bin\t3\t4\tbit reverse\n\nc.bin\t5\n";
-    std::string crlf;
-    for (char c : lf) crlf += c == '\n' ? std::string("\r\n") : std::string(1, c);
-    auto a = Load(lf);
-    auto b = Load(crlf);
-    ASSERT_EQ(a.size(), 3u);
-    ASSERT_EQ(a.size(), b.size());
-    for (size_t i = 0; i < a.size(); ++i) {
-        ExpectEntry(b[i], a[i].path, a[i].fileId, a[i].fileType, a[i].fileMode);
+// Expected paths starting with '*' are joined with the job file's folder.
+TEST_F(UtilLoadJobFile, Cases) {
+    struct TExpected {
+        std::string path;
+        int id, type;
+        uint32_t mode;
+    };
+    const std::string odd = std::string("n\xE4me %s %n\x01 x", 13), withNul = std::string("nu\0l", 4);
+    const struct {
+        std::string content;
+        std::vector<TExpected> entries;
+    } cases[] = {
+        {"", {}},  // the list is cleared first
+        {"a.bin\t1\t2\tnormal\nsub\\b.bin\t3\t4\tbit reverse\nD:\\c.bin\t5\t6\tprogram\n",
+         {{"*a.bin", 1, 2, 0}, {"*sub\\b.bin", 3, 4, 1}, {"D:\\c.bin", 5, 6, 2}}},
+        // CR LF and lone CR end lines as LF does
+        {"a.bin\t1\t2\tprogram\r\nb.bin\t3\t4\tbit reverse\r\n\r\nc.bin\t5\r\n",
+         {{"*a.bin", 1, 2, 2}, {"*b.bin", 3, 4, 1}, {"*c.bin", 5, 0, 0}}},
+        {"a.bin\t1\t2\tprogram\rb.bin\t3\t4\tbit reverse\r\rc.bin\t5\r",
+         {{"*a.bin", 1, 2, 2}, {"*b.bin", 3, 4, 1}, {"*c.bin", 5, 0, 0}}},
+        // a line without a tab adds nothing; the first line's pending type 1 stays
+        {"a.bin\nb.bin\t3\t4\tprogram\n", {{"*b.bin", 3, 4, 2}}},
+        {"a.bin\nb.bin\t3\n", {{"*b.bin", 3, 1, 0}}},
+        // short lines get the pending type: 1 on the first line, 0 later
+        {"e.bin\t7\nf.bin\t8\n", {{"*e.bin", 7, 1, 0}, {"*f.bin", 8, 0, 0}}},
+        // the last line without a line end ignores its last field
+        {"c.bin\t5\t6\tprogram", {{"*c.bin", 5, 6, 0}}},
+        {"a.bin\t1\t2\tprogram\nc.bin\t5\t6", {{"*a.bin", 1, 2, 2}, {"*c.bin", 5, 0, 0}}},
+        {"c.bin\t5", {{"*c.bin", 0, 1, 0}}},
+        {"a.bin\t1\t2\tnormal\nd.bin", {{"*a.bin", 1, 2, 0}}},
+        {"a\t1\t1\tbit REVERSE\nb\t1\t1\tProgram \nc\t1\t1\tPROGRAM\nd\t1\t1\twhatever\n",
+         {{"*a", 1, 1, 1}, {"*b", 1, 1, 0}, {"*c", 1, 1, 2}, {"*d", 1, 1, 0}}},
+        // extra columns, odd numbers, an empty path field (the folder joined)
+        {"a.bin\t300\tx\tprogram\textra\t9\n\t1\t2\tnormal\n", {{"*a.bin", 44, 0, 2}, {"*", 1, 2, 0}}},
+        {".\\x.bin\t1\t2\tnormal\n", {{".\\x.bin", 1, 2, 0}}},  // the "." quirk: kept unjoined
+        {odd + "\t1\t2\tnormal\n" + withNul + "\t3\t4\tnormal\n", {{"*" + odd, 1, 2, 0}, {"*" + withNul, 3, 4, 0}}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.content);
+        Write("job.dcj", c.content);
+        std::vector<TFILEENTRY> list(2);
+        ASSERT_EQ(ondutil::LoadJobFile(Path("job.dcj").c_str(), &list), 1);
+        ASSERT_EQ(list.size(), c.entries.size());
+        for (size_t i = 0; i < list.size(); ++i) {
+            const TExpected& x = c.entries[i];
+            ExpectEntry(list[i], x.path[0] == '*' ? Path(x.path.substr(1)) : x.path, x.id, x.type, x.mode);
+        }
     }
-    // Lone carriage returns end lines too.
-    std::string cr = lf;
-    for (char& c : cr)
-        if (c == '\n') c = '\r';
-    auto c = Load(cr);
-    ASSERT_EQ(c.size(), 3u);
-    ExpectEntry(c[2], Path("c.bin"), 5, 0, 0);
 }
 
-TEST_F(UtilLoadJobFile, LineWithoutTabAddsNothing) {
-    auto list = Load("a.bin\nb.bin\t3\t4\tprogram\n");
+TEST_F(UtilLoadJobFile, ParentPathsResolve) {
+    auto list = Load("..\\up.bin\t3\t4\tnormal\n");
     ASSERT_EQ(list.size(), 1u);
-    ExpectEntry(list[0], Path("b.bin"), 3, 4, 2);
-}
-
-TEST_F(UtilLoadJobFile, LineWithoutTabKeepsPendingType1) {
-    // The tab-less first line fills nothing but the path: type 1 is still pending.
-    auto list = Load("a.bin\nb.bin\t3\n");
-    ASSERT_EQ(list.size(), 1u);
-    ExpectEntry(list[0], Path("b.bin"), 3, 1, 0);
-}
-
-TEST_F(UtilLoadJobFile, LastLineWithoutLineEndIgnoresItsLastField) {
-    auto list = Load("c.bin\t5\t6\tprogram");
-    ASSERT_EQ(list.size(), 1u);
-    ExpectEntry(list[0], Path("c.bin"), 5, 6, 0);
-    list = Load("a.bin\t1\t2\tprogram\nc.bin\t5\t6");
-    ASSERT_EQ(list.size(), 2u);
-    ExpectEntry(list[1], Path("c.bin"), 5, 0, 0);  // type unfilled: 0 after a line
-    list = Load("c.bin\t5");
-    ASSERT_EQ(list.size(), 1u);
-    ExpectEntry(list[0], Path("c.bin"), 0, 1, 0);  // id unfilled, first-line type 1
-}
-
-TEST_F(UtilLoadJobFile, LastLineWithoutTabAndLineEndGivesNoEntry) {
-    auto list = Load("a.bin\t1\t2\tnormal\nd.bin");
-    ASSERT_EQ(list.size(), 1u);
-    EXPECT_EQ(list[0].path, Path("a.bin"));
-}
-
-TEST_F(UtilLoadJobFile, ModeWords) {
-    auto list = Load("a\t1\t1\tbit REVERSE\nb\t1\t1\tProgram \nc\t1\t1\tPROGRAM\nd\t1\t1\twhatever\n");
-    ASSERT_EQ(list.size(), 4u);
-    EXPECT_EQ(list[0].fileMode, 1u);
-    EXPECT_EQ(list[1].fileMode, 0u);
-    EXPECT_EQ(list[2].fileMode, 2u);
-    EXPECT_EQ(list[3].fileMode, 0u);
-}
-
-TEST_F(UtilLoadJobFile, ShortLinesGetThePendingType) {
-    auto list = Load("e.bin\t7\nf.bin\t8\n");
-    ASSERT_EQ(list.size(), 2u);
-    ExpectEntry(list[0], Path("e.bin"), 7, 1, 0);  // first line: type 1
-    ExpectEntry(list[1], Path("f.bin"), 8, 0, 0);  // later: type 0
-}
-
-TEST_F(UtilLoadJobFile, ExtraColumnsAndOddFields) {
-    auto list = Load("a.bin\t300\tx\tprogram\textra\t9\n\t1\t2\tnormal\n");
-    ASSERT_EQ(list.size(), 2u);
-    ExpectEntry(list[0], Path("a.bin"), 44, 0, 2);
-    ExpectEntry(list[1], m_dir + "\\", 1, 2, 0);  // empty path field: the folder joined
-}
-
-TEST_F(UtilLoadJobFile, DotPathsKeepTheirTextAndParentsResolve) {
-    auto list = Load(".\\x.bin\t1\t2\tnormal\n..\\up.bin\t3\t4\tnormal\n");
-    ASSERT_EQ(list.size(), 2u);
-    EXPECT_EQ(list[0].path, ".\\x.bin");  // the "." quirk raised: kept unjoined
     std::string parent, file;
     ondutil::SplitFileName(m_dir, &parent, &file);
-    EXPECT_EQ(list[1].path, parent + "\\up.bin");
-}
-
-TEST_F(UtilLoadJobFile, BytesArePreserved) {
-    const std::string name = std::string("n\xE4me %s %n\x01 x", 13);
-    const std::string withNul = std::string("nu\0l", 4);
-    auto list = Load(name + "\t1\t2\tnormal\n" + withNul + "\t3\t4\tnormal\n");
-    ASSERT_EQ(list.size(), 2u);
-    EXPECT_EQ(list[0].path, Path(name));
-    EXPECT_EQ(list[1].path, Path(withNul));
+    EXPECT_EQ(list[0].path, parent + "\\up.bin");
 }
 
 TEST_F(UtilLoadJobFile, LargeFile) {
