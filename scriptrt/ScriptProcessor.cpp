@@ -2,7 +2,7 @@
 
 #include <cctype>
 #include <cstring>
-#include <new>
+#include <memory>
 #include <string>
 
 #include "frame/Dialog.h"
@@ -135,11 +135,8 @@ EONX_ERR_ERRCODE_ CONXScriptProcessor::SetVariables(TONX_SCRIPTVARIABLE* records
     if (!keepExisting) ClearVariables();
     if (count == 0) return EONX_ERR_NONE;
     if (!records) return EONX_ERR_NONE;
-    try {
-        return AddVariables(records, count);
-    } catch (...) {
-        return EONX_ERR_OUTOFMEMORY;
-    }
+    return ondutil::CatchAll(EONX_ERR_OUTOFMEMORY, EONX_ERR_OUTOFMEMORY,
+                             [&] { return AddVariables(records, count); });
 }
 
 EONX_ERR_ERRCODE_ CONXScriptProcessor::AddVariables(TONX_SCRIPTVARIABLE* records, uint64_t count) {
@@ -147,33 +144,26 @@ EONX_ERR_ERRCODE_ CONXScriptProcessor::AddVariables(TONX_SCRIPTVARIABLE* records
         const TONX_SCRIPTVARIABLE& record = records[i];
         uint32_t type = record.type;
         if (!ScriptTypeIsNumeric(type) && type != SCRIPT_TYPE_STRING) continue;
-        CONXScriptVariable* variable = new (std::nothrow) CONXScriptVariable;
-        if (!variable) return EONX_ERR_OUTOFMEMORY;
-        bool stored = false;
-        try {
-            variable->SetName(record.name);
-            variable->SetType(type);
-            const void* value = reinterpret_cast<const void*>((uintptr_t)record.value);
-            if (type == SCRIPT_TYPE_STRING) {
-                uint32_t length;  // only the low 32 bits count when setting
-                std::memcpy(&length, &record.length, sizeof length);
-                std::string bytes;
-                if (value) bytes.assign(static_cast<const char*>(value), length);
-                stored = variable->SetText(bytes) == 0;
-            } else {
-                uint64_t number = 0;
-                if (value) std::memcpy(&number, value, sizeof number);
-                stored = variable->SetNumber(number, type) == 0;
-            }
-            if (stored) m_externals.push_back(variable);
-        } catch (...) {
-            delete variable;
-            return EONX_ERR_OUTOFMEMORY;
+        // The records taken so far stay; a failure here throws or returns.
+        std::unique_ptr<CONXScriptVariable> variable(new CONXScriptVariable);
+        variable->SetName(record.name);
+        variable->SetType(type);
+        const void* value = reinterpret_cast<const void*>((uintptr_t)record.value);
+        bool stored;
+        if (type == SCRIPT_TYPE_STRING) {
+            uint32_t length;  // only the low 32 bits count when setting
+            std::memcpy(&length, &record.length, sizeof length);
+            std::string bytes;
+            if (value) bytes.assign(static_cast<const char*>(value), length);
+            stored = variable->SetText(bytes) == 0;
+        } else {
+            uint64_t number = 0;
+            if (value) std::memcpy(&number, value, sizeof number);
+            stored = variable->SetNumber(number, type) == 0;
         }
-        if (!stored) {
-            delete variable;
-            return EONX_ERR_OUTOFMEMORY;
-        }
+        if (!stored) return EONX_ERR_OUTOFMEMORY;
+        m_externals.push_back(variable.get());
+        variable.release();
     }
     return EONX_ERR_NONE;
 }
