@@ -8,7 +8,7 @@
 #include "frame/DeviceClient.h"
 #include "frame/Dialog.h"
 #include "frame/win32/App.h"
-#include "frame/win32/ListBoxExtent.h"
+#include "frame/win32/Controls.h"
 #include "frame/win32/ModuleInstance.h"
 
 // ---------------------------------------------------------------------------

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <new>
 
+#include "frame/win32/Controls.h"
 #include "res/OndResource.h"
 #include "scriptrt/ScriptProcessor.h"
 
@@ -26,20 +27,6 @@ const struct {
     {IDC_SP_COPY, ONX_PLACE_BOTTOMLEFT},      {IDC_SP_NEW, ONX_PLACE_BOTTOMLEFT},
     {IDC_SP_EDIT, ONX_PLACE_BOTTOMRIGHT},     {IDC_SP_EXECUTE, ONX_PLACE_BOTTOMRIGHT},
 };
-
-std::string ControlText(HWND control) {
-    int length = GetWindowTextLengthA(control);
-    std::string text(static_cast<size_t>(length > 0 ? length : 0) + 1, '\0');
-    length = GetWindowTextA(control, &text[0], length + 1);
-    text.resize(static_cast<size_t>(length > 0 ? length : 0));
-    return text;
-}
-
-// Sets a control's text only when it differs: the status timer refreshes
-// every half second and should not make the controls flicker.
-void SetTextIfChanged(HWND control, const char* text) {
-    if (control && ControlText(control) != text) SetWindowTextA(control, text);
-}
 
 }  // namespace
 

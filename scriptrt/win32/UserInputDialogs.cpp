@@ -2,21 +2,12 @@
 
 #include <windows.h>
 
-#include "frame/win32/ListBoxExtent.h"
+#include "frame/win32/Controls.h"
 #include "res/OndResource.h"
 #include "script/ScriptValue.h"
 #include "scriptrt/UserInputFuncs.h"
 
 namespace {
-
-std::string ControlText(HWND control) {
-    int length = GetWindowTextLengthA(control);
-    std::string text(static_cast<size_t>(length > 0 ? length : 0) + 1, '\0');
-    length = GetWindowTextA(control, &text[0], length + 1);
-    text.resize(static_cast<size_t>(length > 0 ? length : 0));
-    return text;
-}
-
 
 const uint32_t kModeTypes[] = {SCRIPT_TYPE_UINT32, SCRIPT_TYPE_INT32, SCRIPT_TYPE_UINT64,
                                SCRIPT_TYPE_INT64};

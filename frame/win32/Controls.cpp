@@ -1,6 +1,16 @@
-#include "frame/win32/ListBoxExtent.h"
+#include "frame/win32/Controls.h"
 
-#include <string>
+std::string ControlText(HWND control) {
+    int length = GetWindowTextLengthA(control);
+    std::string text(static_cast<size_t>(length > 0 ? length : 0) + 1, '\0');
+    length = GetWindowTextA(control, &text[0], length + 1);
+    text.resize(static_cast<size_t>(length > 0 ? length : 0));
+    return text;
+}
+
+void SetTextIfChanged(HWND control, const char* text) {
+    if (control && ControlText(control) != text) SetWindowTextA(control, text);
+}
 
 void ListBoxFitHorizontalExtent(HWND listBox) {
     if (!listBox) return;
