@@ -12,18 +12,8 @@ CONXDeviceClient::CONXDeviceClient() : m_pDeviceComm(nullptr), m_pDialog(nullptr
 }
 
 // Shallow on purpose: both objects then share the channel and the dialog.
-CONXDeviceClient::CONXDeviceClient(const CONXDeviceClient& other)
-    : CONXDeviceClient_0(other),
-      m_pDeviceComm(other.m_pDeviceComm),
-      m_pDialog(other.m_pDialog),
-      m_DlgEventData(other.m_DlgEventData) {}
-
-CONXDeviceClient& CONXDeviceClient::operator=(const CONXDeviceClient& other) {
-    m_pDeviceComm = other.m_pDeviceComm;
-    m_pDialog = other.m_pDialog;
-    m_DlgEventData = other.m_DlgEventData;
-    return *this;
-}
+CONXDeviceClient::CONXDeviceClient(const CONXDeviceClient& other) = default;
+CONXDeviceClient& CONXDeviceClient::operator=(const CONXDeviceClient& other) = default;
 
 int32_t CONXDeviceClient::GetParam(uint32_t, uint64_t*, uint64_t*, uint64_t*, uint64_t*) {
     return -1;
@@ -76,13 +66,7 @@ int32_t CONXDeviceClient::IsNonModalDialogOpen() {
 }
 
 void CONXDeviceClient::SetDlgEventData(_TONX_DLGEVENTDATA* data) {
-    if (!data) return;
-    m_DlgEventData.callback = data->callback;
-    m_DlgEventData.userData = data->userData;
-    m_DlgEventData.hWnd = data->hWnd;
-    m_DlgEventData.uMsg = data->uMsg;
-    m_DlgEventData.threadId = data->threadId;
-    m_DlgEventData.threadMsg = data->threadMsg;
+    if (data) m_DlgEventData = *data;  // copied, the record is not kept
 }
 
 CONXDialog* CONXDeviceClient::CreateNewDialog(HWND) { return nullptr; }

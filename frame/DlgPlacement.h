@@ -1,6 +1,5 @@
-// Anchoring of a dialog's controls to the edges of its client area, as
-// arithmetic: the window layer measures, these functions decide, the window
-// layer moves. Sizes are pixels.
+// Anchoring of a dialog's controls to the edges of its client area: the
+// window layer measures and moves, these functions decide. Pixels throughout.
 #pragma once
 
 #include <cstdint>
@@ -18,16 +17,15 @@ struct TONX_DLGCTRLPLACEMENT {
 };
 static_assert(sizeof(TONX_DLGCTRLPLACEMENT) == 32, "placement record layout");
 
-// Placement flags. Only the four low bits move controls: SIZEX with RIGHT
-// stretches the width, RIGHT alone moves the control with the right edge,
-// likewise SIZEY and BOTTOM for the height; SIZEX or SIZEY alone change nothing.
+// Placement flags. SIZEX with RIGHT stretches the width, RIGHT alone moves the
+// control with the right edge, likewise SIZEY and BOTTOM; SIZEX or SIZEY alone
+// change nothing.
 enum : uint32_t {
     ONX_PLACE_SIZEX = 1,   // may change its width
     ONX_PLACE_SIZEY = 2,   // may change its height
     ONX_PLACE_RIGHT = 4,   // follows the right edge
     ONX_PLACE_BOTTOM = 8,  // follows the bottom edge
-    // The module's dialogs also mark what stays fixed and that a control is
-    // anchored at all. The record keeps these bits; the placement ignores them.
+    // Marks the module's dialogs also pass; kept in the record, never acted on.
     ONX_PLACE_FIXEDWIDTH = 0x10,   // the width never changes
     ONX_PLACE_FIXEDHEIGHT = 0x20,  // moves with the bottom edge at its height
     ONX_PLACE_ANCHORED = 0x10000,
@@ -56,13 +54,11 @@ struct TONX_DLGRECT {
     bool operator==(const TONX_DLGRECT&) const = default;
 };
 
-// The record of a control at registration; client area and control in the
-// same coordinates.
+// A control's record at registration (client area and control in the same coordinates).
 TONX_DLGCTRLPLACEMENT DlgCtrlPlacement(uint32_t ctrlId, uint32_t flags, const TONX_DLGRECT& client,
                                        const TONX_DLGRECT& control);
 
-// Where the control goes, in client coordinates, when the client area is
-// cx by cy.
+// Where the control goes, in client coordinates, for a client area of cx by cy.
 TONX_DLGRECT DlgCtrlPosition(const TONX_DLGCTRLPLACEMENT& record, int32_t cx, int32_t cy);
 
 // Whether the control grows with the window (and so repaints whole).

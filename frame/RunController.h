@@ -1,20 +1,13 @@
-// A run of work on a worker thread of its own, for a window that must stay
-// responsive meanwhile: the Script Processor's script run, the File Manager's
-// copy. The controller keeps the protocol; the window supplies the work and
-// its side of the talk through CONXRunJob_0:
-//
-//   window thread                          worker thread
-//   Start(stack)  -- idle reset, start --> RunWork()
-//                                          PostEnd(result)  (a posted message)
-//   on that message: JoinWorker(), report,
-//   MarkIdle()
-//   Stop()        -- RequestStop() ------> the work ends at its next check
-//   Close()       -- RequestStop(), Abandon(); wait, serving the window,
-//                    Abandon() again after every kAbandonAfterMs; join; idle
-//
-// The idle event is the one state both threads read: set = no run. Once
-// Close has begun, the worker does not post its end (the window would not
-// serve it) and marks the run idle itself.
+// A run of work on a worker thread, for a window that must stay responsive:
+// the Script Processor's script run, the File Manager's copy. The window
+// supplies the work and its side of the talk (CONXRunJob_0):
+//   Start: idle reset, worker started; the worker runs RunWork, then PostEnd;
+//   on that message the window calls JoinWorker, reports, then MarkIdle;
+//   Stop: RequestStop, the work ends at its next check;
+//   Close (the window goes): RequestStop and Abandon, wait for the worker
+//   serving the window, Abandon again after every kAbandonAfterMs; idle.
+// The idle event is the one state both threads read. Once closing, the worker
+// does not post its end (nobody would serve it) and marks the run idle itself.
 #pragma once
 
 #include <atomic>
@@ -27,19 +20,17 @@ class CONXRunJob_0 {
 public:
     // On the worker: the work; its answer is the run's result. Must not throw.
     virtual uint32_t RunWork() noexcept = 0;
-    // On the worker, after the work: tell the window the run has ended (post
-    // a message). false when the window cannot hear it; the run is then
-    // marked idle without it.
+    // On the worker, after the work: post the end to the window; false when
+    // the window cannot hear it (the run is then marked idle without it).
     virtual bool PostEnd(uint32_t result) = 0;
     // On the window's thread: ask the work to end soon (a stop event, an abort
     // flag). Does not wait.
     virtual void RequestStop() = 0;
-    // On the window's thread while closing: wait up to timeoutMs for the worker
-    // to end, serving meanwhile whatever the worker waits for from the window
-    // (messages it sends). true when it has ended.
+    // While closing: wait up to timeoutMs for the worker to end, serving what
+    // it waits for from the window meanwhile (messages it sends); true if ended.
     virtual bool WaitForWorker(COsThread* worker, uint32_t timeoutMs) = 0;
-    // While closing, at the start and after every wait that ran out: give up
-    // whatever still keeps the work waiting (an open question to the operator).
+    // While closing, first and after every wait that ran out: give up what
+    // keeps the work waiting (an open question to the operator).
     virtual void Abandon() = 0;
 };
 
@@ -61,9 +52,8 @@ public:
     // answers the run's result. The run counts as running until MarkIdle.
     uint32_t JoinWorker();
     void MarkIdle() { m_idle.Set(); }
-    // Ends a run in progress for good (the window is going): stops it, waits
-    // for the worker as above and leaves the controller idle. From then on the
-    // worker's end is not posted. Safe to call again.
+    // Ends a run in progress for good (the window is going) and leaves the
+    // controller idle; no run starts afterwards. Safe to call again.
     void Close();
 
     bool IsIdle() const { return m_idle.IsSet(); }

@@ -2,6 +2,7 @@
 #include <memory>
 
 #include "os/Platform.h"
+#include "os/StackScale.h"
 #include "script/ScriptErrors.h"
 #include "script/ScriptExec.h"
 #include "script/ScriptRun.h"
@@ -28,17 +29,7 @@ const char kVersion[] = "0.4";  // the language version scripts can read
 const size_t kMaxDirectory = 260;
 
 // Instrumented builds have far larger frames on the paths between two checks.
-#if defined(__SANITIZE_ADDRESS__)
-const uint32_t kExtraReserve = 24u << 10;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-const uint32_t kExtraReserve = 24u << 10;
-#else
-const uint32_t kExtraReserve = 0;
-#endif
-#else
-const uint32_t kExtraReserve = 0;
-#endif
+const uint32_t kExtraReserve = kOsStackScale > 1 ? 24u << 10 : 0;
 
 // Restores what a run changed in its context and thread, however it ends.
 struct TRUNRESTORE {

@@ -17,32 +17,18 @@ namespace {
 
 const uint32_t kMaxFullPath = 260;  // longer full names are refused, as with a 261-byte buffer
 
-// Pairs the channel's Lock with exactly one Unlock, whatever happens in between.
-class CChannelLock {
-public:
-    CChannelLock(COndDeviceComm_0* channel, void* owner) : m_channel(channel), m_owner(owner) {
-        m_held = channel->Lock(owner, ONDCOMM_LOCK_USER_MS) == 0;
-    }
-    ~CChannelLock() {
-        if (m_held) m_channel->Unlock(m_owner);
-    }
-    CChannelLock(const CChannelLock&) = delete;
-    CChannelLock& operator=(const CChannelLock&) = delete;
-    bool Held() const { return m_held; }
-
-private:
-    COndDeviceComm_0* m_channel;
-    void* m_owner;
-    bool m_held;
-};
-
-// body() with the channel locked for owner, behind the object's exception wall.
+// body() with the channel locked for owner (one Lock, one Unlock), behind the
+// object's exception wall.
 template <class TBody>
 EONX_ERR_ERRCODE_ WhileLocked(COndDeviceComm_0* channel, void* owner, TBody&& body) {
-    return ondutil::CatchAll(EONX_ERR_OUTOFMEMORY, EONX_ERR_SCRIPTFAILED, [&] {
-        CChannelLock lock(channel, owner);
-        return lock.Held() ? body() : EONX_ERR_LOCKED;
+    bool held = false;
+    EONX_ERR_ERRCODE_ result = ondutil::CatchAll(EONX_ERR_OUTOFMEMORY, EONX_ERR_SCRIPTFAILED, [&] {
+        if (channel->Lock(owner, ONDCOMM_LOCK_USER_MS) != 0) return EONX_ERR_LOCKED;
+        held = true;
+        return body();
     });
+    if (held) channel->Unlock(owner);
+    return result;
 }
 
 bool SameNameIgnoringCase(const char* a, const char* b) {

@@ -13,10 +13,9 @@ enum EWHOLEFILE : uint32_t {
     WHOLEFILE_READ = 2,  // it has no size (a pipe), or fewer bytes came than its size
 };
 
-// Appends the bytes of the file at path to *bytes, read up to the size the
-// file has when it is opened; on a failure *bytes is left as it was. Needs no
-// stack buffer (the script worker's stack is 64 KiB). A failed allocation
-// throws, for the caller's out-of-memory wall.
+// Appends the file's bytes, up to the size it has when opened, to *bytes (left
+// as it was on a failure). No stack buffer: the script worker has 64 KiB. A
+// failed allocation throws, for the caller's out-of-memory wall.
 EWHOLEFILE ReadWholeFile(const char* path, std::string* bytes);
 
 }  // namespace ondutil

@@ -6,34 +6,6 @@ namespace {
 const uint32_t kWaitForever = 0xFFFFFFFF;
 }  // namespace
 
-int32_t CHostChannel::HostSlot(const char* name) {
-    HostSlotCalled(name);
-    return m_codes.notSupported;
-}
-
-#define OND_HOST_SLOT(name) \
-    int32_t CHostChannel::name() { return HostSlot(#name); }
-OND_HOST_SLOT(Reserved00)
-OND_HOST_SLOT(Reserved01)
-OND_HOST_SLOT(Reserved02)
-OND_HOST_SLOT(Reserved03)
-OND_HOST_SLOT(Reserved04)
-OND_HOST_SLOT(Reserved05)
-OND_HOST_SLOT(Reserved06)
-OND_HOST_SLOT(Reserved07)
-OND_HOST_SLOT(Reserved08)
-OND_HOST_SLOT(Reserved09)
-OND_HOST_SLOT(Reserved12)
-OND_HOST_SLOT(Reserved14)
-OND_HOST_SLOT(Reserved16)
-OND_HOST_SLOT(Reserved17)
-OND_HOST_SLOT(Reserved18)
-OND_HOST_SLOT(Reserved21)
-OND_HOST_SLOT(Reserved22)
-OND_HOST_SLOT(Reserved24)
-OND_HOST_SLOT(Reserved26)
-#undef OND_HOST_SLOT
-
 int32_t CHostChannel::Lock(void* owner, uint32_t timeoutMs) {
     try {
         if (!owner) return m_codes.badArgument;

@@ -1,12 +1,8 @@
-// The part every host-side channel shares: the host's own slots, which the
-// module never calls, and the channel lock. Host-side code, not part of the
-// module.
-//
-// The lock is per owner and re-entrant with a count, as the module needs: the
-// Script Processor and the File Manager lock again while they hold it. Another
-// owner waits up to its timeout (0 = try once, 0xFFFFFFFF = forever). A null
-// owner is refused (null means "unlocked"); Unlock by anyone but the holder is
-// ignored.
+// What every host-side channel shares (host code, not the module's): the
+// host's own slots, which the module never calls, and the channel lock, per
+// owner and re-entrant with a count. Another owner waits up to its timeout
+// (0 = try once, 0xFFFFFFFF = forever); a null owner is refused (null means
+// "unlocked"); Unlock by anyone but the holder is ignored.
 #pragma once
 
 #include <condition_variable>
@@ -30,38 +26,31 @@ public:
     CHostChannel& operator=(const CHostChannel&) = delete;
     virtual ~CHostChannel() = default;
 
-    int32_t Reserved00() override;
-    int32_t Reserved01() override;
-    int32_t Reserved02() override;
-    int32_t Reserved03() override;
-    int32_t Reserved04() override;
-    int32_t Reserved05() override;
-    int32_t Reserved06() override;
-    int32_t Reserved07() override;
-    int32_t Reserved08() override;
-    int32_t Reserved09() override;
     int32_t Lock(void* owner, uint32_t timeoutMs) override;
-    int32_t Reserved12() override;
     void Unlock(void* owner) override;
-    int32_t Reserved14() override;
-    int32_t Reserved16() override;
-    int32_t Reserved17() override;
-    int32_t Reserved18() override;
-    int32_t Reserved21() override;
-    int32_t Reserved22() override;
-    int32_t Reserved24() override;
-    int32_t Reserved26() override;
+
+// The host's own slots: each answers codes.notSupported.
+#define OND_HOST_SLOT(n) \
+    int32_t Reserved##n() override { return HostSlot("Reserved" #n); }
+    OND_HOST_SLOT(00) OND_HOST_SLOT(01) OND_HOST_SLOT(02) OND_HOST_SLOT(03) OND_HOST_SLOT(04)
+    OND_HOST_SLOT(05) OND_HOST_SLOT(06) OND_HOST_SLOT(07) OND_HOST_SLOT(08) OND_HOST_SLOT(09)
+    OND_HOST_SLOT(12) OND_HOST_SLOT(14) OND_HOST_SLOT(16) OND_HOST_SLOT(17) OND_HOST_SLOT(18)
+    OND_HOST_SLOT(21) OND_HOST_SLOT(22) OND_HOST_SLOT(24) OND_HOST_SLOT(26)
+#undef OND_HOST_SLOT
 
     void* LockOwner();  // null when unlocked
     uint32_t LockCount();
 
 protected:
-    // Each host-only slot passes here with its name ("Reserved00") before it
-    // answers codes.notSupported; a channel that counts calls counts it here.
+    // Each host-only slot passes here with its name ("Reserved00"); a channel
+    // that counts calls counts it here.
     virtual void HostSlotCalled(const char* name) {}
 
 private:
-    int32_t HostSlot(const char* name);
+    int32_t HostSlot(const char* name) {
+        HostSlotCalled(name);
+        return m_codes.notSupported;
+    }
 
     TCodes m_codes;
     std::mutex m_lockMutex;

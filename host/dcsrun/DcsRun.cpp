@@ -14,23 +14,13 @@
 #include "host/dcsrun/DcsVariables.h"
 #include "host/device/HostDevice.h"
 #include "os/Platform.h"
+#include "os/StackScale.h"
 #include "scriptrt/ScriptProcessor.h"
 
 namespace {
 
 // The dialog's worker stack, so that a script nests as deep here as there.
-// Sanitizer builds have frames several times larger: they get room to match.
-#if defined(__SANITIZE_ADDRESS__)
-const size_t kScriptStack = 65536 * 8;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-const size_t kScriptStack = 65536 * 8;
-#else
-const size_t kScriptStack = 65536;
-#endif
-#else
-const size_t kScriptStack = 65536;
-#endif
+const size_t kScriptStack = 65536 * kOsStackScale;
 
 // One output call, one write: a "\r" progress line shows as it is drawn.
 void WriteOutput(void*, const char* text) {

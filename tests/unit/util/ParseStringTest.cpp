@@ -143,7 +143,7 @@ const TCase kCases[] = {
 
 TEST(UtilParseString, Cases) {
     for (const TCase& c : kCases) {
-        SCOPED_TRACE(ondutil::EscapeString(c.in, true));
+        SCOPED_TRACE(ondutil::EscapeForDisplay(c.in.data(), c.in.size()));
         ExpectParsed(Parse(c.in, c.terminator, c.length), c.out, c.error, c.end);
     }
 }
