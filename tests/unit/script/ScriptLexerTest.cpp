@@ -42,23 +42,48 @@ std::string Kinds(const std::vector<TTok>& toks) {
     return s;
 }
 
-TEST(ScriptLexer, OperatorsTakeTheLongestPrefix) {
-    EXPECT_EQ(Kinds(Lex("x<<=2")), "1:x 6:<<= 3:2 ");
-    EXPECT_EQ(Kinds(Lex("a=-1")), "1:a 6:= 6:- 3:1 ");
-    EXPECT_EQ(Kinds(Lex("!= =! >>= >> >=")), "6:!= 6:= 6:! 6:>>= 6:>> 6:>= ");
-    EXPECT_EQ(Kinds(Lex("=+")), "6:= 6:+ ");
-    EXPECT_EQ(Kinds(Lex("&&")), "6:& 6:& ");
-    EXPECT_EQ(Kinds(Lex("<")), "6:< ");  // end of text right after an operator
-}
-
-TEST(ScriptLexer, CommentsAndWhitespace) {
-    EXPECT_EQ(Kinds(Lex("a#x\nb")), "1:a 1:b ");
-    EXPECT_EQ(Kinds(Lex("a # no line end")), "1:a ");
-    EXPECT_EQ(Kinds(Lex(" \t\r\n a \r\n\t b")), "1:a 1:b ");
-    // Other control characters are not whitespace.
-    EXPECT_EQ(Kinds(Lex("\va")), std::string("0:\v 1:a "));
-    // "#" inside a string is text.
-    EXPECT_EQ(Kinds(Lex("\"a#b\" c")), "2:a#b 1:c ");
+// Each token as kind:text; the first lexer error ends the list.
+TEST(ScriptLexer, Tokens) {
+    const struct {
+        const char* text;
+        const char* tokens;
+        uint32_t error;
+    } cases[] = {
+        // operators take the longest prefix
+        {"x<<=2", "1:x 6:<<= 3:2 ", 0},
+        {"a=-1", "1:a 6:= 6:- 3:1 ", 0},
+        {"!= =! >>= >> >=", "6:!= 6:= 6:! 6:>>= 6:>> 6:>= ", 0},
+        {"=+", "6:= 6:+ ", 0},
+        {"&&", "6:& 6:& ", 0},
+        {"<", "6:< ", 0},  // the end of the text right after an operator
+        // comments and whitespace; other control characters are not whitespace
+        {"a#x\nb", "1:a 1:b ", 0},
+        {"a # no line end", "1:a ", 0},
+        {" \t\r\n a \r\n\t b", "1:a 1:b ", 0},
+        {"\va", "0:\v 1:a ", 0},
+        {"\"a#b\" c", "2:a#b 1:c ", 0},  // "#" inside a string is text
+        // numbers, suffixes checked later by the conversion
+        {"0x1Fg", "4:1F 1:g ", 0},
+        {"0b101 0XaB:uh 12:LS 1a", "5:101 4:aB:uh 3:12:LS 3:1 1:a ", 0},
+        {"12:", "3:12: ", 0},
+        {"12:U:", "3:12:U 0:: ", 0},
+        {"0x ", "", SCRIPT_ERR_SYNTAX},
+        {"0x1F:", "", SCRIPT_ERR_SYNTAX},
+        {"0x1F:Q", "", SCRIPT_ERR_SYNTAX},
+        {"0b2", "", SCRIPT_ERR_SYNTAX},
+        // identifiers, punctuation, strings
+        {"_a1 $ . ; {", "1:_a1 0:$ 0:. 0:; 0:{ ", 0},
+        {"\xE4x", "0:\xE4 1:x ", 0},
+        {"\"A\\(66)\\n\" x", "2:AB\n 1:x ", 0},
+        {"\"open", "", SCRIPT_ERR_STRING},  // stops at the end of the text
+        {"\"line\nbreak\"", "", SCRIPT_ERR_STRING},
+        {"\"bad \\q\"", "", SCRIPT_ERR_STRING},
+    };
+    for (const auto& c : cases) {
+        uint32_t error = 0;
+        EXPECT_EQ(Kinds(Lex(c.text, &error)), c.tokens) << c.text;
+        EXPECT_EQ(error, c.error) << c.text;
+    }
 }
 
 TEST(ScriptLexer, TokenStartIsBeforeWhitespaceButAfterComments) {
@@ -74,38 +99,6 @@ TEST(ScriptLexer, TokenStartIsBeforeWhitespaceButAfterComments) {
     ASSERT_EQ(r.GetToken(&cursor, &t, &kind), 0u);
     EXPECT_EQ(t, "d");
     EXPECT_EQ(cursor.tokenStart, 10u);  // after the comment's line feed
-}
-
-TEST(ScriptLexer, Numbers) {
-    EXPECT_EQ(Kinds(Lex("0x1Fg")), "4:1F 1:g ");
-    EXPECT_EQ(Kinds(Lex("0b101 0XaB:uh 12:LS 1a")), "5:101 4:aB:uh 3:12:LS 3:1 1:a ");
-    EXPECT_EQ(Kinds(Lex("12:")), "3:12: ");  // rejected by the conversion, not here
-    EXPECT_EQ(Kinds(Lex("12:U:")), "3:12:U 0:: ");
-    uint32_t err = 0;
-    Lex("0x ", &err);
-    EXPECT_EQ(err, SCRIPT_ERR_SYNTAX);
-    Lex("0x1F:", &err);
-    EXPECT_EQ(err, SCRIPT_ERR_SYNTAX);
-    Lex("0x1F:Q", &err);
-    EXPECT_EQ(err, SCRIPT_ERR_SYNTAX);
-    Lex("0b2", &err);
-    EXPECT_EQ(err, SCRIPT_ERR_SYNTAX);
-}
-
-TEST(ScriptLexer, IdentifiersAndPunctuation) {
-    EXPECT_EQ(Kinds(Lex("_a1 $ . ; {")), "1:_a1 0:$ 0:. 0:; 0:{ ");
-    EXPECT_EQ(Kinds(Lex("\xE4x")), "0:\xE4 1:x ");
-}
-
-TEST(ScriptLexer, StringsAreDecodedAndErrorsReported) {
-    EXPECT_EQ(Kinds(Lex("\"A\\(66)\\n\" x")), "2:AB\n 1:x ");
-    uint32_t err = 0;
-    Lex("\"open", &err);  // no line end after it: stops at the end of the text
-    EXPECT_EQ(err, SCRIPT_ERR_STRING);
-    Lex("\"line\nbreak\"", &err);
-    EXPECT_EQ(err, SCRIPT_ERR_STRING);
-    Lex("\"bad \\q\"", &err);
-    EXPECT_EQ(err, SCRIPT_ERR_STRING);
 }
 
 TEST(ScriptLexer, ExpectOperations) {

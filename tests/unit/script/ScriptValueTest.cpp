@@ -75,104 +75,63 @@ TEST(ScriptValue, ReferencesActOnTheirTarget) {
     EXPECT_EQ(alias.Type(), 0u);  // its own fields stay untouched
 }
 
-// Evaluates left op right into a fresh result.
-struct TBin {
-    uint32_t err;
-    CONXScriptVariable result;
-};
-void Binary(TBin* out, const char* op, CONXScriptVariable* l, CONXScriptVariable* r) {
-    out->err = out->result.ApplyBinaryOperator(op, l, r);
-}
-
-TEST(ScriptValue, BinaryResultTypes) {
-    TVar u32(SCRIPT_TYPE_UINT32, 1), s32(SCRIPT_TYPE_INT32, 1), u64(SCRIPT_TYPE_UINT64, 1),
-        s64(SCRIPT_TYPE_INT64, 1);
-    TBin b;
-    Binary(&b, "+", &u32, &s32);
-    EXPECT_EQ(b.result.GetType(), (uint32_t)SCRIPT_TYPE_INT32);
-    TBin c;
-    Binary(&c, "+", &u32, &s64);
-    EXPECT_EQ(c.result.GetType(), (uint32_t)SCRIPT_TYPE_INT64);
-    TBin d;
-    Binary(&d, "*", &u64, &s32);
-    EXPECT_EQ(d.result.GetType(), (uint32_t)SCRIPT_TYPE_INT64);
-    TBin e;
-    Binary(&e, "<<", &u32, &s64);  // shifts keep the left type
-    EXPECT_EQ(e.result.GetType(), (uint32_t)SCRIPT_TYPE_UINT32);
-    TBin f;
-    Binary(&f, "==", &u64, &u64);
-    EXPECT_EQ(f.result.GetType(), (uint32_t)SCRIPT_TYPE_UINT64);
-    EXPECT_EQ(f.result.GetNumber(), 1u);
+// left op right into a fresh result, numbers only.
+TEST(ScriptValue, BinaryOperatorTable) {
+    const uint32_t U32 = SCRIPT_TYPE_UINT32, S32 = SCRIPT_TYPE_INT32, U64 = SCRIPT_TYPE_UINT64,
+                   S64 = SCRIPT_TYPE_INT64;
+    const uint64_t kMin64 = 1ull << 63;
+    const struct {
+        const char* op;
+        uint32_t leftType;
+        uint64_t left;
+        uint32_t rightType;
+        uint64_t right;
+        uint32_t err, type;
+        uint64_t result;
+    } cases[] = {
+        // result types: the wider, signed when either is; shifts keep the left type
+        {"+", U32, 1, S32, 1, 0, S32, 2},
+        {"+", U32, 1, S64, 1, 0, S64, 2},
+        {"*", U64, 1, S32, 1, 0, S64, 1},
+        {"<<", U32, 1, S64, 1, 0, U32, 2},
+        {"==", U64, 1, U64, 1, 0, U64, 1},
+        // the signed variant when either operand is signed
+        {"<", U32, 0xFFFFFFFF, S32, 0, 0, S32, 0},
+        {"<", U64, kMin64, S32, 0, 0, S64, 1},  // the bit pattern read as negative
+        {"<", U64, kMin64, U32, 0, 0, U64, 0},
+        {"/", S32, (uint64_t)-7, S32, 2, 0, S32, (uint64_t)-3},  // toward zero
+        {"%", S32, (uint64_t)-7, S32, 2, 0, S32, (uint64_t)-1},  // the sign of the left operand
+        // shifts both ways and beyond the width
+        {"<<", S32, 1, S32, 64, 0, S32, 0},
+        {"<<", S32, 1, S32, (uint64_t)-1, 0, S32, 0},
+        {">>", S32, (uint64_t)-8, S32, 1, 0, S32, (uint64_t)-4},
+        {">>", S32, (uint64_t)-8, S32, 70, 0, S32, (uint64_t)-1},
+        {">>", U64, (uint64_t)-8, S32, 1, 0, U64, 0x7FFFFFFFFFFFFFFCull},  // unsigned left: logical
+        {"<<", S32, (uint64_t)-8, S32, (uint64_t)-70, 0, S32, (uint64_t)-1},  // all sign bits
+        {">>", S32, 1, S32, (uint64_t)-2, 0, S32, 4},  // a negative count shifts the other way
+        {"<<", U64, (uint64_t)-8, S32, (uint64_t)-70, 0, U64, 0},
+        // division by zero and the wrapping case
+        {"/", S32, 7, S32, 0, SCRIPT_ERR_DIVZERO, 0, 0},
+        {"%", S32, 7, S32, 0, SCRIPT_ERR_DIVZERO, 0, 0},
+        {"/", S64, kMin64, S64, ~0ull, 0, S64, kMin64},
+        {"%", S64, kMin64, S64, ~0ull, 0, S64, 0},
+        {"/", U64, kMin64, U64, ~0ull, 0, U64, 0},  // both unsigned: an ordinary quotient
+    };
+    for (const auto& c : cases) {
+        TVar l(c.leftType, c.left), r(c.rightType, c.right);
+        CONXScriptVariable result;
+        EXPECT_EQ(result.ApplyBinaryOperator(c.op, &l, &r), c.err) << c.left << c.op << c.right;
+        if (c.err) continue;
+        EXPECT_EQ(result.GetType(), c.type) << c.left << c.op << c.right;
+        EXPECT_EQ(result.GetNumber(), c.result) << c.left << c.op << c.right;
+    }
     // A typed result keeps its type.
-    TVar typed(SCRIPT_TYPE_UINT32, 0);
-    EXPECT_EQ(typed.ApplyBinaryOperator("-", &s32, &s64), 0u);
-    EXPECT_EQ(typed.GetType(), (uint32_t)SCRIPT_TYPE_UINT32);
-}
-
-TEST(ScriptValue, SignedVariantWhenEitherOperandIsSigned) {
-    TVar d(SCRIPT_TYPE_UINT32, 0xFFFFFFFF), zero(SCRIPT_TYPE_INT32, 0), uzero(SCRIPT_TYPE_UINT32, 0);
-    TBin lt;
-    Binary(&lt, "<", &d, &zero);  // signed compare of 4294967295 and 0
-    EXPECT_EQ(lt.result.GetNumber(), 0u);
-    TVar big(SCRIPT_TYPE_UINT64, 1ull << 63);
-    TBin lt2;
-    Binary(&lt2, "<", &big, &zero);  // bit pattern read as negative
-    EXPECT_EQ(lt2.result.GetNumber(), 1u);
-    TBin lt3;
-    Binary(&lt3, "<", &big, &uzero);
-    EXPECT_EQ(lt3.result.GetNumber(), 0u);
-    TVar m7(SCRIPT_TYPE_INT32, (uint64_t)-7), two(SCRIPT_TYPE_INT32, 2);
-    TBin q, r;
-    Binary(&q, "/", &m7, &two);
-    Binary(&r, "%", &m7, &two);
-    EXPECT_EQ((int64_t)q.result.GetNumber(), -3);  // toward zero
-    EXPECT_EQ((int64_t)r.result.GetNumber(), -1);  // sign of the left operand
-}
-
-TEST(ScriptValue, ShiftsBothWaysAndBeyondTheWidth) {
-    TVar one(SCRIPT_TYPE_INT32, 1), c64(SCRIPT_TYPE_INT32, 64), cm1(SCRIPT_TYPE_INT32, (uint64_t)-1),
-        m8(SCRIPT_TYPE_INT32, (uint64_t)-8), c1(SCRIPT_TYPE_INT32, 1), c70(SCRIPT_TYPE_INT32, 70),
-        um8(SCRIPT_TYPE_UINT64, (uint64_t)-8), cm70(SCRIPT_TYPE_INT32, (uint64_t)-70),
-        cm2(SCRIPT_TYPE_INT32, (uint64_t)-2);
-    TBin a, b, c, d, e, f, g, h;
-    Binary(&a, "<<", &one, &c64);
-    EXPECT_EQ(a.result.GetNumber(), 0u);
-    Binary(&b, "<<", &one, &cm1);
-    EXPECT_EQ(b.result.GetNumber(), 0u);
-    Binary(&c, ">>", &m8, &c1);
-    EXPECT_EQ((int64_t)c.result.GetNumber(), -4);
-    Binary(&d, ">>", &m8, &c70);
-    EXPECT_EQ((int64_t)d.result.GetNumber(), -1);
-    Binary(&e, ">>", &um8, &c1);  // unsigned left: logical
-    EXPECT_EQ(e.result.GetNumber(), 0x7FFFFFFFFFFFFFFCull);
-    Binary(&f, "<<", &m8, &cm70);  // signed left, count beyond: all sign bits
-    EXPECT_EQ((int64_t)f.result.GetNumber(), -1);
-    Binary(&g, ">>", &one, &cm2);  // negative count shifts left
-    EXPECT_EQ(g.result.GetNumber(), 4u);
-    Binary(&h, "<<", &um8, &cm70);
-    EXPECT_EQ(h.result.GetNumber(), 0u);
-}
-
-TEST(ScriptValue, DivisionByZeroAndTheWrappingCase) {
-    TVar seven(SCRIPT_TYPE_INT32, 7), zero(SCRIPT_TYPE_INT32, 0);
-    TBin a, b;
-    Binary(&a, "/", &seven, &zero);
-    EXPECT_EQ(a.err, SCRIPT_ERR_DIVZERO);
-    Binary(&b, "%", &seven, &zero);
-    EXPECT_EQ(b.err, SCRIPT_ERR_DIVZERO);
-    TVar x(SCRIPT_TYPE_INT32, 5);
+    TVar typed(U32, 0), a(S32, 1), b(S64, 1);
+    EXPECT_EQ(typed.ApplyBinaryOperator("-", &a, &b), 0u);
+    EXPECT_EQ(typed.GetType(), U32);
+    TVar x(S32, 5), zero(S32, 0), min64(S64, kMin64), m1(S64, ~0ull);
     EXPECT_EQ(x.ApplyAssignment("/=", &zero), SCRIPT_ERR_DIVZERO);
     EXPECT_EQ(x.GetNumber(), 5u);
-    TVar min64(SCRIPT_TYPE_INT64, 1ull << 63), m1(SCRIPT_TYPE_INT64, ~0ull);
-    TVar umin64(SCRIPT_TYPE_UINT64, 1ull << 63), um1(SCRIPT_TYPE_UINT64, ~0ull);
-    TBin c, d, e;
-    Binary(&c, "/", &min64, &m1);
-    EXPECT_EQ(c.err, 0u);
-    EXPECT_EQ(c.result.GetNumber(), 1ull << 63);
-    Binary(&d, "%", &min64, &m1);
-    EXPECT_EQ(d.result.GetNumber(), 0u);
-    Binary(&e, "/", &umin64, &um1);  // both unsigned: an ordinary unsigned quotient
-    EXPECT_EQ(e.result.GetNumber(), 0u);
     EXPECT_EQ(min64.ApplyAssignment("%=", &m1), 0u);
     EXPECT_EQ(min64.GetNumber(), 0u);
 }
@@ -180,19 +139,16 @@ TEST(ScriptValue, DivisionByZeroAndTheWrappingCase) {
 TEST(ScriptValue, StringOperators) {
     TVar ab(std::string("ab")), cd(std::string("cd")), b(std::string("b"));
     TVar five(SCRIPT_TYPE_INT32, 5);
-    TBin cat, num, eq, lt, rev;
-    Binary(&cat, "+", &ab, &cd);
-    EXPECT_EQ(cat.result.GetText(), "abcd");
-    Binary(&num, "+", &ab, &five);  // a number adds its (empty) text
-    EXPECT_EQ(num.err, 0u);
-    EXPECT_EQ(num.result.GetText(), "ab");
-    Binary(&eq, "==", &ab, &ab);
-    EXPECT_EQ(eq.result.GetType(), (uint32_t)SCRIPT_TYPE_UINT32);
-    EXPECT_EQ(eq.result.GetNumber(), 1u);
-    Binary(&lt, "<", &ab, &b);
-    EXPECT_EQ(lt.err, SCRIPT_ERR_SYNTAX);
-    Binary(&rev, "+", &five, &ab);
-    EXPECT_EQ(rev.err, SCRIPT_ERR_TYPE);
+    CONXScriptVariable cat, num, eq, other;
+    EXPECT_EQ(cat.ApplyBinaryOperator("+", &ab, &cd), 0u);
+    EXPECT_EQ(cat.GetText(), "abcd");
+    EXPECT_EQ(num.ApplyBinaryOperator("+", &ab, &five), 0u);  // a number adds its (empty) text
+    EXPECT_EQ(num.GetText(), "ab");
+    EXPECT_EQ(eq.ApplyBinaryOperator("==", &ab, &ab), 0u);
+    EXPECT_EQ(eq.GetType(), (uint32_t)SCRIPT_TYPE_UINT32);
+    EXPECT_EQ(eq.GetNumber(), 1u);
+    EXPECT_EQ(other.ApplyBinaryOperator("<", &ab, &b), SCRIPT_ERR_SYNTAX);
+    EXPECT_EQ(other.ApplyBinaryOperator("+", &five, &ab), SCRIPT_ERR_TYPE);
     // The comparison always lands in the 32-bit unsigned field.
     TVar wide(SCRIPT_TYPE_INT64, 0);
     EXPECT_EQ(wide.ApplyBinaryOperator("==", &ab, &ab), 0u);

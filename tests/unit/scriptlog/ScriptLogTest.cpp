@@ -31,69 +31,36 @@ public:
     Lines m_lines;
 };
 
-TEST(ScriptLog, CarriageReturnOverwritesFromTheStartOfTheLine) {
-    CONXScriptLog log;
-    log.Append("abc\rX\n");
-    EXPECT_EQ(Of(log), Lines({"Xbc"}));
-    EXPECT_TRUE(log.LastLineComplete());
-
-    // A shorter rewrite leaves the old tail: overwriting, not clearing.
-    log.Append("count 100\rcount 7\n");
-    EXPECT_EQ(Of(log), Lines({"Xbc", "count 700"}));
-
-    // Several returns in one line; the last text wins byte by byte.
-    log.Append("aaaa\rbb\rc\n");
-    EXPECT_EQ(log.Lines().back(), "cbaa");
-}
-
-TEST(ScriptLog, OutputWithoutLineFeedIsContinuedByTheNextOutput) {
-    CONXScriptLog log;
-    log.Append("ab");
-    EXPECT_EQ(Of(log), Lines({"ab"}));
-    EXPECT_FALSE(log.LastLineComplete());
-    log.Append("c\n");
-    EXPECT_EQ(Of(log), Lines({"abc"}));
-    EXPECT_TRUE(log.LastLineComplete());
-
-    // The column survives between outputs: a return in one output, the
-    // overwriting text in the next ones.
-    log.Append("abc\r");
-    EXPECT_EQ(log.Lines().back(), "abc");
-    EXPECT_EQ(log.Column(), 0u);
-    log.Append("X");
-    log.Append("Y\n");
-    EXPECT_EQ(Of(log), Lines({"abc", "XYc"}));
-}
-
-TEST(ScriptLog, ProgressLinesRewriteThemselvesInPlace) {
-    // A transfer's progress: each step begins with a carriage return.
-    CONXScriptLog log;
-    log.Append("sending file\n");
-    for (int percent = 0; percent <= 100; percent += 25) {
-        std::string step = "\rprogress " + std::to_string(percent) + "%";
-        log.Append(step.c_str());
-        EXPECT_EQ(log.Lines().size(), 2u);
+// Outputs appended one after the other, the lines they leave, and whether the
+// last one is complete.
+TEST(ScriptLog, Appending) {
+    const struct {
+        std::vector<const char*> outputs;
+        Lines lines;
+        bool complete;
+    } cases[] = {
+        {{"abc\rX\n"}, {"Xbc"}, true},
+        {{"count 100\rcount 7\n"}, {"count 700"}, true},  // overwriting, not clearing
+        {{"aaaa\rbb\rc\n"}, {"cbaa"}, true},
+        {{"ab"}, {"ab"}, false},
+        {{"ab", "c\n"}, {"abc"}, true},  // continued by the next output
+        {{"abc\n", "abc\r", "X", "Y\n"}, {"abc", "XYc"}, true},  // the column survives
+        // a transfer's progress: each step begins with a carriage return
+        {{"sending\n", "\rprogress 0%", "\rprogress 50%", "\rprogress 100%", "\ndone\n"},
+         {"sending", "progress 100%", "done"}, true},
+        {{""}, {}, true},
+        {{"\n\n", "\r"}, {"", ""}, true},  // a lone return on a complete log adds nothing
+    };
+    for (const auto& c : cases) {
+        CONXScriptLog log;
+        for (const char* output : c.outputs) log.Append(output);
+        EXPECT_EQ(Of(log), c.lines) << c.outputs.front();
+        EXPECT_EQ(log.LastLineComplete(), c.complete) << c.outputs.front();
     }
-    log.Append("\ndone\n");
-    EXPECT_EQ(Of(log), Lines({"sending file", "progress 100%", "done"}));
-}
-
-TEST(ScriptLog, EmptyLinesAndEmptyOutput) {
-    CONXScriptLog log;
-    log.Append("");
-    EXPECT_TRUE(log.Lines().empty());
-    log.Append("\n\n");
-    EXPECT_EQ(Of(log), Lines({"", ""}));
-    // A lone return on a complete log adds nothing.
-    log.Append("\r");
-    EXPECT_EQ(log.Lines().size(), 2u);
-    EXPECT_TRUE(log.LastLineComplete());
-}
-
-TEST(ScriptLog, ClearStartsAFreshLine) {
     CONXScriptLog log;
     log.Append("abc\r");
-    log.Clear();
+    EXPECT_EQ(log.Column(), 0u);
+    log.Clear();  // a fresh line
     EXPECT_TRUE(log.Lines().empty());
     log.Append("X\n");
     EXPECT_EQ(Of(log), Lines({"X"}));

@@ -1,5 +1,5 @@
 // The serial-port channel without a port: what a raw port cannot do, the
-// texts that say so, and the per-owner lock.
+// texts that say so, and the codes of the shared lock.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -51,18 +51,13 @@ TEST(SerialChannel, UnopenedPortIsClosedAndRefusesTraffic) {
     EXPECT_NE(error.find("/no/such/port/here"), std::string::npos);
 }
 
-TEST(SerialChannel, LockIsPerOwnerAndCountsNesting) {
+TEST(SerialChannel, LockAndHostSlotsAnswerWithItsOwnCodes) {
     CSerialChannel channel;
     int a, b;
+    EXPECT_EQ(channel.Lock(nullptr, 0), SERIAL_ERR_BADARGUMENT);
     EXPECT_EQ(channel.Lock(&a, 0), 0);
-    EXPECT_EQ(channel.Lock(&a, 500), 0);  // the holder again
-    EXPECT_NE(channel.Lock(&b, 0), 0);
-    EXPECT_NE(channel.Lock(&b, 50), 0);
-    channel.Unlock(&b);  // not the holder: ignored
+    EXPECT_EQ(channel.Lock(&b, 0), SERIAL_ERR_LOCKED);
     channel.Unlock(&a);
-    EXPECT_NE(channel.Lock(&b, 0), 0);  // one level still held
-    channel.Unlock(&a);
-    EXPECT_EQ(channel.Lock(&b, 0), 0);
-    EXPECT_NE(channel.Lock(nullptr, 0), 0);
-    channel.Unlock(&b);
+    EXPECT_EQ(channel.Reserved00(), SERIAL_ERR_NOTSUPPORTED);
+    EXPECT_EQ(channel.Reserved26(), SERIAL_ERR_NOTSUPPORTED);
 }
