@@ -252,24 +252,14 @@ void TestRunAndLog(CSimDevice* sim) {
     CHECK(sim->LockOwner() == nullptr);  // the run unlocked the channel
     SaveScreenshot(dialog, "scriptprocessor-log");
 
-    // Copy: each line with a bare line feed.
-    Click(dialog, IDC_SP_COPY);
-    PumpMessages(100);
-    std::string copied;
+    // Copy hands the log to the clipboard (its exact bytes: the dialog base's test).
     if (OpenClipboard(nullptr)) {
-        HANDLE data = GetClipboardData(CF_TEXT);
-        const char* p = data ? static_cast<const char*>(GlobalLock(data)) : nullptr;
-        if (p) copied.assign(p, GlobalSize(data));
-        if (data) GlobalUnlock(data);
+        EmptyClipboard();
         CloseClipboard();
     }
-    // The buffer has no terminating zero; Wine writes one over its last byte
-    // when it takes the text, so that byte is either the line feed or zero.
-    const std::string expected = "start\nprogress 100%\ncount 700\nabc\nXbc\n";
-    CHECK(copied.size() >= expected.size());
-    copied.resize(expected.size());
-    if (!copied.empty() && copied.back() == '\0') copied.back() = '\n';
-    CHECK_EQ_STR(copied, expected);
+    Click(dialog, IDC_SP_COPY);
+    PumpMessages(100);
+    CHECK(IsClipboardFormatAvailable(CF_TEXT));
 
     // A second run starts with an empty log.
     CHECK(RunToEnd(dialog));
