@@ -13,6 +13,7 @@
 #include "scriptrt/FileNames.h"
 #include "scriptrt/SysFuncTable.h"
 #include "util/PathUtil.h"
+#include "util/WholeFile.h"
 
 namespace {
 
@@ -24,17 +25,6 @@ struct TCHECKFILE {
     std::string fullPath;  // the module's form, for the base directory and duplicates
     bool external;         // named on the command line: the --set names are known
 };
-
-bool ReadScript(const std::string& fullPath, std::string* text) {
-    FILE* f = OsOpenFile(fullPath.c_str(), "rb");
-    if (!f) return false;
-    char buffer[65536];
-    size_t n;
-    while ((n = fread(buffer, 1, sizeof buffer, f)) > 0) text->append(buffer, n);
-    bool ok = !ferror(f);
-    fclose(f);
-    return ok;
-}
 
 bool IsSubScriptCall(const std::string& name) {
     return ScriptNamesEqual(name.c_str(), "executesubscript") ||
@@ -106,7 +96,7 @@ int DcsCheckScripts(const std::vector<std::string>& scripts, const TONX_SCRIPTVA
         const TCHECKFILE file = queue[i];
         if (!seen.insert(file.fullPath).second) continue;
         std::string text;
-        if (!ReadScript(file.fullPath, &text)) {
+        if (ondutil::ReadWholeFile(file.fullPath.c_str(), &text) != ondutil::WHOLEFILE_OK) {
             // Only a script given on the command line gets here unopened.
             fprintf(stderr, "dcsrun: %s: cannot open the script file (result %d)\n",
                     file.display.c_str(), kStatusFileOpen);
