@@ -5,6 +5,7 @@
 #include <cstring>
 #include <string>
 
+#include "frame/win32/Controls.h"
 #include "res/OndResource.h"
 #include "terminal/TerminalDevice.h"
 
@@ -19,18 +20,11 @@ const LONG kMinTrackHeight = 250;
 const struct {
     uint32_t id, flags;
 } kPlacement[] = {
-    {IDC_TERM_CONFIG, 0x10007},   {IDC_TERM_ANSWERS, 0x1000F}, {IDC_TERM_INPUT, 0x1002D},
-    {IDC_TERM_APPENDCR, 0x1003C}, {IDC_TERM_CLEAR, 0x1003C},   {IDC_TERM_COPY, 0x1003C},
-    {IDOK, 0x1003C},              {IDC_TERM_STATUS, 0x1002D},
+    {IDC_TERM_CONFIG, ONX_PLACE_TOPSTRIP},       {IDC_TERM_ANSWERS, ONX_PLACE_FILL},
+    {IDC_TERM_INPUT, ONX_PLACE_BOTTOMSTRIP},     {IDC_TERM_APPENDCR, ONX_PLACE_BOTTOMRIGHT},
+    {IDC_TERM_CLEAR, ONX_PLACE_BOTTOMRIGHT},     {IDC_TERM_COPY, ONX_PLACE_BOTTOMRIGHT},
+    {IDOK, ONX_PLACE_BOTTOMRIGHT},               {IDC_TERM_STATUS, ONX_PLACE_BOTTOMSTRIP},
 };
-
-std::string ControlText(HWND control) {
-    int length = GetWindowTextLengthA(control);
-    std::string text(static_cast<size_t>(length > 0 ? length : 0) + 1, '\0');
-    length = GetWindowTextA(control, &text[0], length + 1);
-    text.resize(static_cast<size_t>(length > 0 ? length : 0));
-    return text;
-}
 
 }  // namespace
 
