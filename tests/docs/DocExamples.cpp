@@ -23,17 +23,7 @@
 #include <string>
 #include <vector>
 
-#ifdef _WIN32
-#ifndef WIN32_LEAN_AND_MEAN
-#define WIN32_LEAN_AND_MEAN
-#endif
-#ifndef NOMINMAX
-#define NOMINMAX
-#endif
-#include <windows.h>
-#else
-#include <sys/wait.h>
-#endif
+#include "tests/support/RunProgram.h"
 
 namespace fs = std::filesystem;
 
@@ -159,65 +149,6 @@ std::string Rendered(const std::string& raw) {
     return out;
 }
 
-// Runs the program with args in the current folder; false when it cannot be started.
-#ifdef _WIN32
-// A process of its own without a console: through cmd.exe and a console per
-// run, every example would cost seconds under Wine.
-bool Run(const std::string& program, const std::vector<std::string>& args, std::string* output,
-         int* status) {
-    std::string line = "\"" + program + "\"";
-    for (const std::string& a : args) line += " \"" + a + "\"";
-    SECURITY_ATTRIBUTES inherit = {sizeof inherit, nullptr, TRUE};
-    HANDLE readEnd = nullptr, writeEnd = nullptr;
-    if (!CreatePipe(&readEnd, &writeEnd, &inherit, 0)) return false;
-    SetHandleInformation(readEnd, HANDLE_FLAG_INHERIT, 0);
-    HANDLE nul = CreateFileA("NUL", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherit,
-                             OPEN_EXISTING, 0, nullptr);
-    STARTUPINFOA startup = {};
-    startup.cb = sizeof startup;
-    startup.dwFlags = STARTF_USESTDHANDLES;
-    startup.hStdInput = nul;
-    startup.hStdOutput = writeEnd;
-    startup.hStdError = writeEnd;
-    PROCESS_INFORMATION process = {};
-    BOOL started = CreateProcessA(nullptr, &line[0], nullptr, nullptr, TRUE, CREATE_NO_WINDOW,
-                                  nullptr, nullptr, &startup, &process);
-    CloseHandle(writeEnd);
-    if (nul != INVALID_HANDLE_VALUE) CloseHandle(nul);
-    if (!started) {
-        CloseHandle(readEnd);
-        return false;
-    }
-    char buffer[65536];
-    DWORD n = 0;
-    while (ReadFile(readEnd, buffer, sizeof buffer, &n, nullptr) && n > 0) output->append(buffer, n);
-    CloseHandle(readEnd);
-    WaitForSingleObject(process.hProcess, INFINITE);
-    DWORD code = 0;
-    GetExitCodeProcess(process.hProcess, &code);
-    CloseHandle(process.hProcess);
-    CloseHandle(process.hThread);
-    *status = (int)code;
-    return true;
-}
-#else
-bool Run(const std::string& program, const std::vector<std::string>& args, std::string* output,
-         int* status) {
-    std::string line = "'" + program + "'";
-    for (const std::string& a : args) line += " '" + a + "'";
-    line += " </dev/null 2>&1";
-    fflush(stdout);
-    FILE* pipe = popen(line.c_str(), "r");
-    if (!pipe) return false;
-    char buffer[65536];
-    size_t n;
-    while ((n = fread(buffer, 1, sizeof buffer, pipe)) > 0) output->append(buffer, n);
-    int rc = pclose(pipe);
-    if (rc == -1 || !WIFEXITED(rc)) return false;
-    *status = WEXITSTATUS(rc);
-    return true;
-}
-#endif
 
 std::string Shown(const std::string& text) {
     std::string out;
@@ -274,7 +205,7 @@ bool RunExample(const std::string& program, const fs::path& folder, const std::s
         std::string base;
         int status = 0;
         if (!WriteText("probe.dcs", "print(getbasepath());") ||
-            !Run(program, {"probe.dcs"}, &base, &status) || status != 0) {
+            !RunProgram(program, {"probe.dcs"}, true, &base, &status) || status != 0) {
             fprintf(stderr, "doc_examples: cannot ask dcsrun for the folder\n");
             return false;
         }
@@ -296,7 +227,7 @@ bool RunExample(const std::string& program, const fs::path& folder, const std::s
 
     std::string raw;
     int status = 0;
-    if (!Run(program, args, &raw, &status)) {
+    if (!RunProgram(program, args, true, &raw, &status)) {
         fprintf(stderr, "doc_examples: cannot run %s\n", program.c_str());
         return false;
     }

@@ -30,7 +30,8 @@ void EndHost(HWND host, PROCESS_INFORMATION* process) {
     CloseHandle(process->hProcess);
 }
 
-// A top-level window of that process.
+// A visible top-level window of that process. A dialog turns visible only
+// after its controls exist, so an id looked up in it is there.
 HWND WaitForWindow(DWORD processId, const char* cls, const char* caption) {
     for (int i = 0; i < 200; ++i) {
         PumpMessages(100);
@@ -38,7 +39,7 @@ HWND WaitForWindow(DWORD processId, const char* cls, const char* caption) {
              w = FindWindowExA(nullptr, w, cls, caption)) {
             DWORD owner = 0;
             GetWindowThreadProcessId(w, &owner);
-            if (owner == processId) return w;
+            if (owner == processId && IsWindowVisible(w)) return w;
         }
     }
     return nullptr;

@@ -20,14 +20,11 @@
 #include <string>
 #include <vector>
 
-#ifndef _WIN32
-#include <sys/wait.h>
-#endif
-
 #include "host/sim/SimDevice.h"
 #include "script/ScriptExec.h"
 #include "script/ScriptRun.h"
 #include "scriptrt/SysFuncTable.h"
+#include "tests/support/RunProgram.h"
 #include "util/EscapedString.h"
 #include "util/WholeFile.h"
 
@@ -65,42 +62,6 @@ void ParseExpectations(const std::string& text, std::string* output, uint32_t* c
 }
 
 void Collect(void* context, const char* text) { static_cast<std::string*>(context)->append(text); }
-
-// cmd.exe takes neither slashes in a program path nor a line that starts
-// and ends with a quote unless the whole of it is quoted once more.
-std::string CommandLine(const std::string& program, const std::string& script) {
-    std::string line = "\"" + program + "\" \"" + script + "\"";
-#ifdef _WIN32
-    for (char& c : line)
-        if (c == '/') c = '\\';
-    line = "\"" + line + "\"";
-#endif
-    return line;
-}
-
-// Runs PROGRAM SCRIPT; false when it cannot be started.
-bool RunProgram(const std::string& program, const std::string& script, std::string* output,
-                uint32_t* status) {
-#ifdef _WIN32
-    FILE* pipe = _popen(CommandLine(program, script).c_str(), "rb");
-#else
-    fflush(stdout);
-    FILE* pipe = popen(CommandLine(program, script).c_str(), "r");
-#endif
-    if (!pipe) return false;
-    char buffer[65536];
-    size_t n;
-    while ((n = fread(buffer, 1, sizeof buffer, pipe)) > 0) output->append(buffer, n);
-#ifdef _WIN32
-    int rc = _pclose(pipe);
-    *status = (uint32_t)rc;
-#else
-    int rc = pclose(pipe);
-    if (rc == -1 || !WIFEXITED(rc)) return false;
-    *status = (uint32_t)WEXITSTATUS(rc);
-#endif
-    return true;
-}
 
 }  // namespace
 
@@ -146,9 +107,9 @@ int main(int argc, char** argv) {
 
         std::string actual;
         if (!program.empty()) {
-            uint32_t status = 0;
-            uint32_t expectedStatus = (expectedCode & 0x0FFFFFFF) ? 21 : 0;
-            if (!RunProgram(program, script.string(), &actual, &status)) {
+            int status = 0;
+            int expectedStatus = (expectedCode & 0x0FFFFFFF) ? 21 : 0;
+            if (!RunProgram(program, {script.string()}, false, &actual, &status)) {
                 printf("FAIL %s: cannot run %s\n", script.string().c_str(), program.c_str());
                 failed++;
             } else if (status == expectedStatus && actual == expected) {
@@ -156,8 +117,8 @@ int main(int argc, char** argv) {
             } else {
                 failed++;
                 printf("FAIL %s\n", script.string().c_str());
-                printf("  expected status %u, output \"%s\"\n", expectedStatus, Shown(expected).c_str());
-                printf("  actual   status %u, output \"%s\"\n", status, Shown(actual).c_str());
+                printf("  expected status %d, output \"%s\"\n", expectedStatus, Shown(expected).c_str());
+                printf("  actual   status %d, output \"%s\"\n", status, Shown(actual).c_str());
             }
             continue;
         }
