@@ -11,6 +11,7 @@ enum EONX_ERR_ERRCODE_ : uint32_t {
     EONX_ERR_FILEREAD = 9,      // the file cannot be read completely
     EONX_ERR_DIALOG = 17,       // the dialog cannot be created or shown, or none is open
     EONX_ERR_OUTOFMEMORY = 18,
+    EONX_ERR_ABORTED = 19,      // the user aborted (the File Manager's copy)
     EONX_ERR_LOCKED = 20,       // the channel could not be locked
     EONX_ERR_SCRIPTFAILED = 21, // the script ended with an error
 };

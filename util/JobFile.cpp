@@ -32,33 +32,10 @@ bool WriteAll(FILE* f, const char* data, size_t size) {
     return fwrite(data, 1, size, f) == size;
 }
 
-// sscanf("%u") as the job file reads ids and types: leading white space, an
-// optional sign, decimal digits (wrapping like the 32-bit result); 0 when no
-// number starts the text. Stops at a NUL like the C string would.
+// A number column: as sscanf("%u") reads it, 0 when no number starts the text.
 uint32_t ReadUnsigned(const std::string& text) {
-    const char* p = text.c_str();
-    while (*p == ' ' || *p == '\t' || *p == '\n' || *p == '\v' || *p == '\f' || *p == '\r') ++p;
-    bool negative = false;
-    if (*p == '+' || *p == '-') {
-        negative = *p == '-';
-        ++p;
-    }
-    if (*p < '0' || *p > '9') return 0;
     uint32_t value = 0;
-    for (; *p >= '0' && *p <= '9'; ++p) value = value * 10u + static_cast<uint32_t>(*p - '0');
-    return negative ? 0u - value : value;
-}
-
-// _stricmp(text, word) == 0, on the C string (ASCII case folding).
-bool EqualsNoCase(const std::string& text, const char* word) {
-    const char* p = text.c_str();
-    for (;; ++p, ++word) {
-        unsigned char a = static_cast<unsigned char>(*p), b = static_cast<unsigned char>(*word);
-        if (a >= 'A' && a <= 'Z') a = static_cast<unsigned char>(a - 'A' + 'a');
-        if (b >= 'A' && b <= 'Z') b = static_cast<unsigned char>(b - 'A' + 'a');
-        if (a != b) return false;
-        if (a == 0) return true;
-    }
+    return ondutil::ScanUnsigned(text.c_str(), &value) ? value : 0;
 }
 
 void ResetEntry(TFILEENTRY* entry, uint8_t fileType) {
@@ -106,14 +83,7 @@ void ondutil::FillEntry(size_t column, std::string* text, TFILEENTRY* entry,
             break;
         case 1: entry->fileId = static_cast<uint8_t>(ReadUnsigned(*text)); break;
         case 2: entry->fileType = static_cast<uint8_t>(ReadUnsigned(*text)); break;
-        case 3:
-            if (EqualsNoCase(*text, "bit reverse"))
-                entry->fileMode = FILEMODE_BITREVERSE;
-            else if (EqualsNoCase(*text, "program"))
-                entry->fileMode = FILEMODE_PROGRAM;
-            else
-                entry->fileMode = FILEMODE_NORMAL;
-            break;
+        case 3: entry->fileMode = FileModeFromText(text->c_str()); break;
         default: break;
         }
     } catch (const std::out_of_range&) {
@@ -201,9 +171,7 @@ int ondutil::SaveJobFile(const char* jobPath, std::vector<TFILEENTRY>* list) {
             snprintf(numbers, sizeof numbers, "\t%u\t%u\t", static_cast<unsigned>(entry.fileId),
                      static_cast<unsigned>(entry.fileType));
             line += numbers;
-            line += entry.fileMode == FILEMODE_BITREVERSE ? "bit reverse"
-                    : entry.fileMode == FILEMODE_PROGRAM  ? "program"
-                                                          : "normal";
+            line += FileModeText(entry.fileMode);
             line += '\n';
             if (!WriteAll(f, line.data(), line.size())) {
                 good = false;

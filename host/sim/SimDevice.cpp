@@ -103,6 +103,11 @@ void CSimDevice::SetLoopback(bool on) {
     m_config.loopback = on;
 }
 
+void CSimDevice::SetStepDelay(uint32_t milliseconds) {
+    std::lock_guard<std::mutex> g(m_mutex);
+    m_stepDelayMs = milliseconds;
+}
+
 bool CSimDevice::InjectFault(const std::string& operation, uint32_t k, int32_t code) {
     bool faultable = false;
     for (const char* name : kFaultableNames)

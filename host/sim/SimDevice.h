@@ -26,6 +26,8 @@
 // - Fault injection: the k-th call of a named operation fails with a code.
 // - A talking device: after the queue, Receive can hand out a stream without
 //   end (a pattern repeated), at a given rate or as fast as it is read.
+// - A slow link: a step delay makes every transfer wait that long before each
+//   of its progress steps (without holding the device's mutex).
 #pragma once
 
 #include <chrono>
@@ -99,6 +101,7 @@ public:
     // --- test and runner controls ---------------------------------------------
     void SetState(uint32_t state);                 // 1 = open; anything else closes
     void SetLoopback(bool on);
+    void SetStepDelay(uint32_t milliseconds);      // before each progress step; 0 = none
     void PreloadReceive(const std::string& bytes); // appended to the receive queue
     std::string TakeTransmitted();                 // everything sent since the last call
     size_t PendingReceive();
@@ -183,6 +186,7 @@ private:
     TConfig m_config;
     std::mutex m_mutex;
     uint32_t m_state = 1;
+    uint32_t m_stepDelayMs = 0;
     // Receive drains from m_receiveOffset on; the consumed front is cut off
     // only now and then, so draining a large queue in small reads stays linear.
     std::string m_receiveQueue;

@@ -104,12 +104,15 @@ int32_t CSimDevice::Store(std::string data, uint8_t fileId, uint8_t fileType,
                           uint32_t steps) {
     if (fileMode == SIMDEV_MODE_BITREVERSE)
         for (char& c : data) c = static_cast<char>(ReverseBits(static_cast<uint8_t>(c)));
+    uint32_t delayMs;
     {
         std::lock_guard<std::mutex> g(m_mutex);
         if (int32_t code = CheckRoom(data.size(), fileMode, fileId)) return code;
+        delayMs = m_stepDelayMs;
     }
     // The callback runs without our mutex: it may well call the channel again.
     for (uint64_t step = 0; step <= steps; ++step) {
+        if (delayMs) OsSleep(delayMs);
         if (callback && callback(context, static_cast<uint32_t>(step)) != 0)
             return SIMDEV_ERR_ABORTED;
     }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/sim/SimDevice.h"
+#include "os/Platform.h"
 
 namespace {
 
@@ -132,4 +133,16 @@ TEST(SimProgress, ClosingDuringATransferFailsIt) {
     EXPECT_EQ(Send(dev, 1, "data", &rec, 40), SIMDEV_ERR_CLOSED);
     dev.SetState(1);
     EXPECT_FALSE(dev.GetStoredFile(1, nullptr));
+}
+
+// A slow link waits before every step; without the delay it does not.
+TEST(SimProgress, StepDelayMakesTransfersSlow) {
+    CSimDevice dev;
+    dev.SetStepDelay(3);
+    TRecorder rec;
+    uint64_t start = OsTickCount();
+    ASSERT_EQ(Send(dev, 1, "slow", &rec, 20), 0);
+    EXPECT_GE(OsTickCount() - start, 21u * 3 - 1);  // 21 steps, each after 3 ms at least
+    EXPECT_EQ(rec.steps, Upto(20));
+    EXPECT_TRUE(dev.GetStoredFile(1, nullptr));
 }

@@ -1,0 +1,110 @@
+// The File Manager's device actions, each inside Lock/Unlock.
+#include "filemanager/FMDevice.h"
+
+#include "filemanager/FMRows.h"
+#include "filemanager/FMTexts.h"
+
+namespace {
+
+// The lock of a user action; false (and the message shown) when another
+// owner holds the channel.
+bool LockForUser(COndDeviceComm_0* channel, void* owner, CFMDeviceView_0* view) {
+    if (channel->Lock(owner, ONDCOMM_LOCK_USER_MS) == 0) return true;
+    view->ShowError(ondfm::kMsgLocked);
+    return false;
+}
+
+// The directory's rows; the count is asked again before every further row,
+// as the channel may change it. Indices are 32 bits wide: no more rows.
+std::vector<TDEVDIRENTRY> ReadEntries(COndDeviceComm_0* channel) {
+    std::vector<TDEVDIRENTRY> entries;
+    try {
+        for (uint64_t i = 0; i < channel->GetDirectoryEntryCount() && i <= 0xFFFFFFFFu; ++i) {
+            TDEVDIRENTRY entry = {};
+            channel->GetDirectoryEntry(static_cast<uint32_t>(i), &entry);
+            entries.push_back(entry);
+        }
+    } catch (...) {
+        // Out of memory: the rows read so far are shown.
+    }
+    return entries;
+}
+
+}  // namespace
+
+void ondfm::RefreshDirectory(COndDeviceComm_0* channel, void* owner, CFMDeviceView_0* view) {
+    if (!view) return;
+    view->PrepareDeviceList();
+    if (!channel) return;  // the list keeps its rows
+    if (!LockForUser(channel, owner, view)) return;
+    int32_t code = channel->ReadDirectory();
+    if (code != 0) {
+        view->SetSummary(DirectoryReadFailed(ErrorText(channel, code)).c_str());
+    } else {
+        TDEVDIRINFO info = {};
+        channel->GetDirectoryInfo(&info);
+        view->SetSummary(DirectorySummary(info).c_str());
+    }
+    // Also after a failed read: the list shows whatever count the channel reports.
+    view->SetDeviceEntries(ReadEntries(channel));
+    channel->Unlock(owner);
+}
+
+void ondfm::DeleteFiles(COndDeviceComm_0* channel, void* owner, CFMDeviceView_0* view,
+                        const std::vector<std::string>& idTexts) {
+    if (!view) return;
+    if (idTexts.empty()) {
+        view->ShowError(kMsgNoFilesToDelete);
+        return;
+    }
+    if (view->AskDelete(DeleteQuestion(static_cast<uint32_t>(idTexts.size())).c_str()) !=
+            FM_ANSWER_YES ||
+        !channel)
+        return;
+    if (!LockForUser(channel, owner, view)) return;
+    for (const std::string& text : idTexts) {
+        uint8_t fileId = 0;
+        if (!ReadDeviceFileId(text.c_str(), &fileId)) continue;  // not a number: skipped
+        int32_t code = channel->DeleteDeviceFile(fileId);
+        if (code != 0) {
+            // Files deleted before this one stay deleted.
+            view->ShowError(DeleteFailed(fileId, ErrorText(channel, code)).c_str());
+            break;
+        }
+    }
+    RefreshDirectory(channel, owner, view);
+    channel->Unlock(owner);
+}
+
+void ondfm::FormatDevice(COndDeviceComm_0* channel, void* owner, CFMDeviceView_0* view) {
+    if (!view || !channel) return;
+    if (!LockForUser(channel, owner, view)) return;
+    int32_t code = 0;
+    switch (view->AskFormat(FormatQuestion().c_str())) {
+        case FM_ANSWER_YES:
+            code = channel->FormatDevice(0);  // every block
+            RefreshDirectory(channel, owner, view);
+            break;
+        case FM_ANSWER_NO:
+            code = channel->FormatDevice(1);  // only the blocks marked as used
+            RefreshDirectory(channel, owner, view);
+            break;
+        default: break;  // Cancel: have mercy
+    }
+    channel->Unlock(owner);
+    if (code != 0) view->ShowError(FormatFailed(ErrorText(channel, code)).c_str());
+}
+
+void ondfm::CopyFiles(COndDeviceComm_0* channel, void* owner, CFMDeviceView_0* view,
+                      const TFILEENTRYLIST& files, bool allRows) {
+    if (!view) return;
+    if (files.empty()) {
+        view->ShowError(allRows ? kMsgNoFilesPresentToCopy : kMsgNoFilesMarkedToCopy);
+        return;
+    }
+    if (!channel) return;
+    if (!LockForUser(channel, owner, view)) return;
+    view->CopyFiles(files);  // the lock is held for the whole copy
+    RefreshDirectory(channel, owner, view);
+    channel->Unlock(owner);
+}

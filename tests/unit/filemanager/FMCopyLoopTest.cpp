@@ -1,0 +1,211 @@
+// The copy loop against the simulated device: what the sink hears, what the
+// device receives, the error list and the result, with and without
+// continue-on-error, and aborts.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "filemanager/FMCopyLoop.h"
+#include "filemanager/FMTexts.h"
+#include "frame/ErrCode.h"
+#include "host/sim/SimDevice.h"
+#include "os/Platform.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class CRecordingSink : public CFMProgressSink_0 {
+public:
+    void FileStarted(uint32_t percent, size_t index) override {
+        started.push_back({percent, index});
+        stepsOfFile.emplace_back();
+    }
+    void FileProgress(uint32_t stepsDone) override {
+        if (!stepsOfFile.empty()) stepsOfFile.back().push_back(stepsDone);
+        if (abortAtFile == started.size() - 1 && stepsDone == abortAtStep) abort = true;
+    }
+    bool AbortRequested() override {
+        if (++abortQuestions == abortAtQuestion) abort = true;
+        return abort;
+    }
+    void CopyEnded() override { ++ended; }
+
+    std::vector<std::pair<uint32_t, size_t>> started;
+    std::vector<std::vector<uint32_t>> stepsOfFile;
+    size_t abortAtFile = size_t(-1);
+    uint32_t abortAtStep = 0;
+    bool abort = false;
+    int abortQuestions = 0;
+    int abortAtQuestion = -1;  // the n-th question turns abort on
+    int ended = 0;
+};
+
+class FMCopyLoop : public ::testing::Test {
+protected:
+    void SetUp() override {
+        auto stamp = std::chrono::steady_clock::now().time_since_epoch().count();
+        m_native = "ond_fm_copy_" + std::to_string(stamp);
+        ASSERT_TRUE(fs::create_directory(m_native));
+        ASSERT_TRUE(OsFullPathName(m_native.c_str(), &m_dir));
+    }
+    void TearDown() override {
+        std::error_code ec;
+        fs::remove_all(m_native, ec);
+    }
+    // count files "f<i>.bin" of i + 1 bytes, ids 10 + i, types i, mode normal.
+    TFILEENTRYLIST MakeFiles(size_t count) {
+        TFILEENTRYLIST files;
+        for (size_t i = 0; i < count; ++i) {
+            TFILEENTRY entry;
+            entry.path = m_dir + "\\f" + std::to_string(i) + ".bin";
+            FILE* f = OsOpenFile(entry.path.c_str(), "wb");
+            EXPECT_NE(f, nullptr);
+            if (f) {
+                std::string data(i + 1, char('a' + i % 26));
+                fwrite(data.data(), 1, data.size(), f);
+                fclose(f);
+            }
+            entry.fileId = uint8_t(10 + i);
+            entry.fileType = uint8_t(i);
+            entry.fileMode = FILEMODE_NORMAL;
+            files.push_back(entry);
+        }
+        return files;
+    }
+    std::string m_native, m_dir;
+};
+
+std::vector<uint32_t> Upto(uint32_t last) {
+    std::vector<uint32_t> v;
+    for (uint32_t i = 0; i <= last; ++i) v.push_back(i);
+    return v;
+}
+
+}  // namespace
+
+TEST_F(FMCopyLoop, EveryFileWithItsPropertiesAndTheProgressBeforeEach) {
+    CSimDevice sim;
+    TFILEENTRYLIST files = MakeFiles(3);
+    files[2].fileMode = FILEMODE_BITREVERSE;
+    CRecordingSink sink;
+    std::vector<TCOPYERROR> errors = {{7, 7}};  // emptied first
+    EXPECT_EQ(ondfm::RunCopyLoop(&sim, files, true, &sink, &errors), 0);
+    EXPECT_TRUE(errors.empty());
+    ASSERT_EQ(sink.started.size(), 3u);
+    // The share of files already done: never 100.
+    EXPECT_EQ(sink.started[0], std::make_pair(0u, size_t(0)));
+    EXPECT_EQ(sink.started[1], std::make_pair(33u, size_t(1)));
+    EXPECT_EQ(sink.started[2], std::make_pair(66u, size_t(2)));
+    for (const auto& steps : sink.stepsOfFile) EXPECT_EQ(steps, Upto(100));
+    EXPECT_EQ(sink.ended, 1);
+    CSimDevice::TStoredFile stored;
+    ASSERT_TRUE(sim.GetStoredFile(11, &stored));
+    EXPECT_EQ(stored.fileType, 1);
+    EXPECT_EQ(stored.data, "bb");
+    CSimDevice::TTransfer last = sim.LastTransfer();
+    EXPECT_EQ(last.localPath, files[2].path);
+    EXPECT_EQ(last.fileId, 12);
+    EXPECT_EQ(last.fileType, 2);
+    EXPECT_EQ(last.fileMode, FILEMODE_BITREVERSE);
+    EXPECT_EQ(last.flag, 1u);
+    EXPECT_EQ(last.steps, 100u);
+}
+
+TEST_F(FMCopyLoop, NothingToCopyEndsAtOnce) {
+    CSimDevice sim;
+    CRecordingSink sink;
+    std::vector<TCOPYERROR> errors;
+    EXPECT_EQ(ondfm::RunCopyLoop(&sim, {}, true, &sink, &errors), 0);
+    EXPECT_EQ(ondfm::RunCopyLoop(nullptr, MakeFiles(1), true, &sink, &errors), 0);
+    EXPECT_EQ(sink.ended, 2);
+    EXPECT_TRUE(sink.started.empty());
+    EXPECT_EQ(sim.CallCount("TransmitFile"), 0u);
+}
+
+// The second of three files fails: with continue on error the third still
+// goes and the first failure is the result; without, the copy ends there.
+TEST_F(FMCopyLoop, ContinueOnErrorOnAndOff) {
+    for (bool continueOnError : {true, false}) {
+        CSimDevice sim;
+        TFILEENTRYLIST files = MakeFiles(3);
+        files[1].path += ".missing";
+        CRecordingSink sink;
+        std::vector<TCOPYERROR> errors;
+        EXPECT_EQ(ondfm::RunCopyLoop(&sim, files, continueOnError, &sink, &errors),
+                  SIMDEV_ERR_LOCALFILE);
+        ASSERT_EQ(errors.size(), 1u);
+        EXPECT_EQ(errors[0].index, 1u);
+        EXPECT_EQ(errors[0].code, SIMDEV_ERR_LOCALFILE);
+        EXPECT_EQ(sim.GetStoredFile(12, nullptr), continueOnError);
+        EXPECT_EQ(sim.CallCount("TransmitFile"), continueOnError ? 3u : 2u);
+        EXPECT_EQ(ondfm::CopyReport(files, errors, &sim),
+                  "Error during copying " + files[1].path +
+                      ": Local file cannot be opened or read");
+    }
+    // A failing first file with continue off: nothing else is sent.
+    CSimDevice sim;
+    sim.InjectFault("TransmitFile", 1, SIMDEV_ERR_STORAGEFULL);
+    CRecordingSink sink;
+    std::vector<TCOPYERROR> errors;
+    EXPECT_EQ(ondfm::RunCopyLoop(&sim, MakeFiles(3), false, &sink, &errors),
+              SIMDEV_ERR_STORAGEFULL);
+    EXPECT_EQ(sim.CallCount("TransmitFile"), 1u);
+    EXPECT_EQ(sink.started.size(), 1u);
+}
+
+TEST_F(FMCopyLoop, AbortDuringATransferStopsItAndStartsNoFurtherFile) {
+    for (bool continueOnError : {true, false}) {
+        CSimDevice sim;
+        TFILEENTRYLIST files = MakeFiles(3);
+        CRecordingSink sink;
+        sink.abortAtFile = 1;
+        sink.abortAtStep = 40;
+        std::vector<TCOPYERROR> errors;
+        int32_t result = ondfm::RunCopyLoop(&sim, files, continueOnError, &sink, &errors);
+        // The channel's code for the aborted transfer; listed in the report.
+        EXPECT_EQ(result, continueOnError ? int32_t(EONX_ERR_ABORTED) : SIMDEV_ERR_ABORTED);
+        ASSERT_EQ(errors.size(), 1u);
+        EXPECT_EQ(errors[0].index, 1u);
+        EXPECT_EQ(errors[0].code, SIMDEV_ERR_ABORTED);
+        EXPECT_EQ(sink.stepsOfFile[1], Upto(40));
+        EXPECT_EQ(sink.started.size(), 2u);
+        EXPECT_EQ(sim.CallCount("TransmitFile"), 2u);
+        EXPECT_FALSE(sim.GetStoredFile(11, nullptr));
+    }
+    // After a successful file an abort only ends the loop: the 101 steps of
+    // the first file ask 101 times, the loop's question after it is the 102nd.
+    CSimDevice sim;
+    CRecordingSink sink;
+    sink.abortAtQuestion = 102;
+    std::vector<TCOPYERROR> errors;
+    EXPECT_EQ(ondfm::RunCopyLoop(&sim, MakeFiles(2), true, &sink, &errors), int32_t(EONX_ERR_ABORTED));
+    EXPECT_TRUE(errors.empty());
+    EXPECT_TRUE(sim.GetStoredFile(10, nullptr));
+    EXPECT_EQ(sim.CallCount("TransmitFile"), 1u);
+}
+
+// 200 files, a fault in every tenth transfer: exactly those 20 lines.
+TEST_F(FMCopyLoop, TwoHundredFilesWithAFaultInEveryTenth) {
+    CSimDevice::TConfig config;
+    config.blockCount = 512;
+    CSimDevice sim(config);
+    TFILEENTRYLIST files = MakeFiles(200);
+    for (uint32_t k = 10; k <= 200; k += 10) sim.InjectFault("TransmitFile", k);
+    CRecordingSink sink;
+    std::vector<TCOPYERROR> errors;
+    EXPECT_EQ(ondfm::RunCopyLoop(&sim, files, true, &sink, &errors), SIMDEV_ERR_INJECTED);
+    ASSERT_EQ(errors.size(), 20u);
+    std::string expected;
+    for (size_t i = 0; i < 20; ++i) {
+        EXPECT_EQ(errors[i].index, 10 * i + 9);
+        if (i) expected += "\n";
+        expected += "Error during copying " + files[10 * i + 9].path + ": Simulated device fault";
+    }
+    EXPECT_EQ(ondfm::CopyReport(files, errors, &sim), expected);
+    EXPECT_EQ(sink.started.back(), std::make_pair(99u, size_t(199)));
+}

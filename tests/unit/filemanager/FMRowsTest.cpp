@@ -1,0 +1,187 @@
+// The File Manager's local rows: defaults of a new file, rows read back into
+// records, the properties dialog's numbers, and job files through the rows.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <string>
+
+#include "filemanager/FMRows.h"
+#include "os/Platform.h"
+
+namespace fs = std::filesystem;
+
+TEST(FMRows, DefaultsOfANewFile) {
+    struct {
+        const char* path;
+        const char* mode;
+    } cases[] = {
+        {"C:\\images\\FPGA.RBF", "program"},  // any case
+        {"C:\\images\\fpga.rbf", "program"},
+        {"C:\\images\\fpga.Rbf", "program"},
+        {".rbf", "program"},                  // exactly four characters
+        {"C:\\images\\fpga.rbfx", "normal"},
+        {"C:\\images\\fpga.bin", "normal"},
+        {"abcd", "normal"},
+        {"a.b", ""},                          // shorter than four: empty column
+        {"", ""},
+    };
+    for (const auto& c : cases) {
+        TFMROW row = ondfm::DefaultRow(c.path);
+        EXPECT_EQ(row.path, c.path);
+        EXPECT_EQ(row.fileId, "0") << c.path;
+        EXPECT_EQ(row.fileType, "1") << c.path;
+        EXPECT_EQ(row.fileMode, c.mode) << c.path;
+    }
+    // The empty mode column copies and saves as normal.
+    EXPECT_EQ(ondfm::EntryFromRow(ondfm::DefaultRow("a.b")).fileMode, FILEMODE_NORMAL);
+    EXPECT_EQ(ondfm::EntryFromRow(ondfm::DefaultRow("x.rbf")).fileMode, FILEMODE_PROGRAM);
+}
+
+TEST(FMRows, RowsReadBackAsRecords) {
+    struct {
+        const char *id, *type, *mode;
+        uint8_t fileId, fileType;
+        uint32_t fileMode;
+    } cases[] = {
+        {"7", "9", "normal", 7, 9, FILEMODE_NORMAL},
+        {"abc", "abc", "program", 0, 1, FILEMODE_PROGRAM},  // no number: ID 0, type 1
+        {"", "", "", 0, 1, FILEMODE_NORMAL},
+        {"300", "511", "bit reverse", 44, 255, FILEMODE_BITREVERSE},  // low 8 bits
+        {"  12abc", "\t3", "BIT REVERSE", 12, 3, FILEMODE_BITREVERSE},
+        {"4294967297", "256", "PrOgRaM", 1, 0, FILEMODE_PROGRAM},  // wraps in 32 bits first
+        {"-1", "+5", "Program ", 255, 5, FILEMODE_NORMAL},  // a trailing blank is another word
+        {"1", "1", "bit  reverse", 1, 1, FILEMODE_NORMAL},
+    };
+    for (const auto& c : cases) {
+        TFILEENTRY entry = ondfm::EntryFromRow(TFMROW{"C:\\f.bin", c.id, c.type, c.mode});
+        EXPECT_EQ(entry.path, "C:\\f.bin");
+        EXPECT_EQ(entry.fileId, c.fileId) << c.id;
+        EXPECT_EQ(entry.fileType, c.fileType) << c.type;
+        EXPECT_EQ(entry.fileMode, c.fileMode) << c.mode;
+    }
+}
+
+TEST(FMRows, RecordsWriteAllFourColumns) {
+    struct {
+        uint32_t mode;
+        const char* text;
+    } modes[] = {{0, "normal"}, {1, "bit reverse"}, {2, "program"}, {3, "normal"},
+                 {0xFFFFFFFF, "normal"}};
+    for (const auto& m : modes) {
+        TFILEENTRY entry;
+        entry.path = "D:\\x y\\z.bin";
+        entry.fileId = 255;
+        entry.fileType = 0;
+        entry.fileMode = m.mode;
+        TFMROW row = ondfm::RowFromEntry(entry);
+        EXPECT_EQ(row.path, entry.path);
+        EXPECT_EQ(row.fileId, "255");
+        EXPECT_EQ(row.fileType, "0");
+        EXPECT_EQ(row.fileMode, m.text);
+    }
+}
+
+TEST(FMRows, PathsAreReadBackUpTo260Characters) {
+    for (size_t length : {259u, 260u, 261u, 1000u}) {
+        std::string path = "C:\\" + std::string(length - 3, 'p');
+        TFILEENTRY entry = ondfm::EntryFromRow(ondfm::DefaultRow(path));
+        EXPECT_EQ(entry.path, path.substr(0, 260)) << length;
+    }
+}
+
+TEST(FMRows, PropertyNumbers) {
+    struct {
+        const char* text;
+        bool ok;
+        uint8_t value;
+    } cases[] = {
+        {"300", true, 44},  {"12abc", true, 12}, {"   7", true, 7}, {"0", true, 0},
+        {"255", true, 255}, {"256", true, 0},    {"abc", false, 0}, {"", false, 0},
+        {" ", false, 0},    {"x12", false, 0},
+    };
+    for (const auto& c : cases) {
+        uint8_t value = 99;
+        EXPECT_EQ(ondfm::ReadPropertyNumber(c.text, &value), c.ok) << c.text;
+        EXPECT_EQ(value, c.ok ? c.value : 99) << c.text;  // untouched when rejected
+    }
+}
+
+namespace {
+
+class FMJobRows : public ::testing::Test {
+protected:
+    void SetUp() override {
+        auto stamp = std::chrono::steady_clock::now().time_since_epoch().count();
+        m_native = "ond_fm_jobrows_" + std::to_string(stamp);
+        ASSERT_TRUE(fs::create_directory(m_native));
+        ASSERT_TRUE(OsFullPathName(m_native.c_str(), &m_dir));
+    }
+    void TearDown() override {
+        std::error_code ec;
+        fs::remove_all(m_native, ec);
+    }
+    std::string Read(const std::string& path) {
+        std::string out;
+        FILE* f = OsOpenFile(path.c_str(), "rb");
+        if (!f) return "<missing>";
+        char buffer[4096];
+        size_t n;
+        while ((n = fread(buffer, 1, sizeof buffer, f)) > 0) out.append(buffer, n);
+        fclose(f);
+        return out;
+    }
+    std::string m_native, m_dir;
+};
+
+}  // namespace
+
+// Rows as the list holds them go out as a job file and come back the same:
+// odd paths (blanks, 259 and 260 characters, bytes above 127), inside and
+// outside the job's folder.
+TEST_F(FMJobRows, RoundTripThroughTheList) {
+    std::string job = m_dir + "\\list.dcj";
+    TFMROWLIST rows = {
+        ondfm::DefaultRow(m_dir + "\\with blanks  .bin"),
+        ondfm::DefaultRow(m_dir + "\\" + std::string(259 - m_dir.size() - 1, 'a')),  // 259
+        ondfm::DefaultRow("C:\\" + std::string(257, 'b')),                         // 260
+        ondfm::DefaultRow(m_dir + "\\\xE4\xF6\xFC\xDF \xB0.RBF"),
+        {"D:\\other\\x.bin", "300", "abc", "Bit Reverse"},
+    };
+    ASSERT_EQ(rows[1].path.size(), 259u);
+    ASSERT_EQ(rows[2].path.size(), 260u);
+    ASSERT_TRUE(ondfm::SaveJobRows(job.c_str(), rows));
+    // Inside the job's folder a bare name is written; the numbers are what
+    // the rows read as.
+    std::string text = Read(job);
+    EXPECT_NE(text.find("with blanks  .bin\t0\t1\tnormal\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("\xE4\xF6\xFC\xDF \xB0.RBF\t0\t1\tprogram\n"), std::string::npos);
+    EXPECT_NE(text.find("D:\\other\\x.bin\t44\t1\tbit reverse\n"), std::string::npos);
+
+    TFMROWLIST loaded = {{"keep", "1", "1", "normal"}};
+    ASSERT_TRUE(ondfm::LoadJobRows(job.c_str(), &loaded));
+    ASSERT_EQ(loaded.size(), rows.size());
+    for (size_t i = 0; i < 4; ++i) {
+        EXPECT_EQ(loaded[i].path, rows[i].path) << i;
+        EXPECT_EQ(loaded[i].fileId, rows[i].fileId);
+        EXPECT_EQ(loaded[i].fileType, rows[i].fileType);
+        EXPECT_EQ(loaded[i].fileMode, rows[i].fileMode);
+    }
+    EXPECT_EQ(loaded[4].fileId, "44");
+    EXPECT_EQ(loaded[4].fileType, "1");
+    EXPECT_EQ(loaded[4].fileMode, "bit reverse");
+
+    // Saved again from the loaded rows: byte for byte the same file.
+    std::string again = m_dir + "\\again.dcj";
+    ASSERT_TRUE(ondfm::SaveJobRows(again.c_str(), loaded));
+    EXPECT_EQ(Read(again), text);
+}
+
+TEST_F(FMJobRows, AFileThatCannotBeReadKeepsTheRows) {
+    TFMROWLIST rows = {{"keep", "1", "2", "program"}};
+    EXPECT_FALSE(ondfm::LoadJobRows((m_dir + "\\missing.dcj").c_str(), &rows));
+    ASSERT_EQ(rows.size(), 1u);
+    EXPECT_EQ(rows[0].path, "keep");
+    EXPECT_FALSE(ondfm::SaveJobRows((m_dir + "\\no\\such\\folder\\x.dcj").c_str(), rows));
+}
