@@ -4,8 +4,9 @@
 
 uint32_t CONXFileManager::GetObjType() { return ONX_OBJTYPE_FILEMANAGER; }
 
-// The window of this object arrives with the Windows front end; until then
-// ShowDialogNonModal answers EONX_ERR_DIALOG.
-CONXDialog* CONXFileManager::CreateNewDialog(HWND) { return nullptr; }
-
-void CONXFileManager::DeleteDialog(CONXDialog* dialog) { delete dialog; }
+CONXFileManager::~CONXFileManager() {
+    if (m_pDialog) {
+        DeleteDialog(m_pDialog);
+        m_pDialog = nullptr;  // the base has nothing left to delete
+    }
+}

@@ -54,3 +54,4 @@ void TestTemplates();
 void TestHost();
 void TestScriptWindow();
 void TestTerminalWindow();
+void TestFileManagerWindow();

@@ -1,0 +1,247 @@
+#include "filemanager/win32/LocalListCtrl.h"
+
+#include <commctrl.h>
+
+#include "filemanager/win32/FilePropertiesDialog.h"
+
+namespace {
+
+const char kSelfProperty[] = "OndFMLocalList";
+
+struct TColumn {
+    const char* header;
+    int format;
+    int width;  // 0: the client width less the others, at least 200
+};
+const TColumn kColumns[] = {
+    {"Filename", LVCFMT_LEFT, 0},
+    {"File ID", LVCFMT_RIGHT, 50},
+    {"File type", LVCFMT_RIGHT, 50},
+    {"File mode", LVCFMT_RIGHT, 50},
+};
+const int kColumnCount = 4;
+
+int ColumnCount(HWND list) {
+    HWND header = reinterpret_cast<HWND>(SendMessageA(list, LVM_GETHEADER, 0, 0));
+    return header ? static_cast<int>(SendMessageA(header, HDM_GETITEMCOUNT, 0, 0)) : 0;
+}
+
+}  // namespace
+
+COndFMLocalListCtrl::~COndFMLocalListCtrl() { Detach(); }
+
+bool COndFMLocalListCtrl::Attach(HWND list) {
+    Detach();
+    if (!list) return false;
+    m_hWnd = list;
+    SetPropA(list, kSelfProperty, this);
+    m_pOldProc = reinterpret_cast<WNDPROC>(
+        SetWindowLongPtrA(list, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(SubclassProc)));
+    return true;
+}
+
+void COndFMLocalListCtrl::Detach() {
+    if (!m_hWnd) return;
+    if (IsWindow(m_hWnd)) {
+        if (m_pOldProc)
+            SetWindowLongPtrA(m_hWnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(m_pOldProc));
+        RemovePropA(m_hWnd, kSelfProperty);
+    }
+    m_hWnd = nullptr;
+    m_pOldProc = nullptr;
+}
+
+LRESULT CALLBACK COndFMLocalListCtrl::SubclassProc(HWND hwnd, UINT msg, WPARAM wParam,
+                                                   LPARAM lParam) {
+    auto* self = static_cast<COndFMLocalListCtrl*>(GetPropA(hwnd, kSelfProperty));
+    if (!self) return DefWindowProcA(hwnd, msg, wParam, lParam);
+    WNDPROC old = self->m_pOldProc;
+    try {
+        if (msg == WM_KEYDOWN && wParam == VK_SPACE) {
+            self->EditSelected();
+            return 0;
+        }
+        if (msg == WM_KEYDOWN && wParam == VK_DELETE) {
+            self->RemoveSelected();
+            return 0;
+        }
+    } catch (...) {
+        return 0;  // nothing leaves a window procedure
+    }
+    if (msg == WM_NCDESTROY) {
+        // The control goes before the dialog object: unhook on the way.
+        SetWindowLongPtrA(hwnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(old));
+        RemovePropA(hwnd, kSelfProperty);
+        self->m_hWnd = nullptr;
+        self->m_pOldProc = nullptr;
+    }
+    return CallWindowProcA(old, hwnd, msg, wParam, lParam);
+}
+
+void COndFMLocalListCtrl::InitColumns() {
+    if (!m_hWnd) return;
+    DWORD styles = static_cast<DWORD>(SendMessageA(m_hWnd, LVM_GETEXTENDEDLISTVIEWSTYLE, 0, 0));
+    SendMessageA(m_hWnd, LVM_SETEXTENDEDLISTVIEWSTYLE, 0,
+                 styles | LVS_EX_GRIDLINES | LVS_EX_FULLROWSELECT);
+    while (ColumnCount(m_hWnd) > kColumnCount)
+        if (!SendMessageA(m_hWnd, LVM_DELETECOLUMN, kColumnCount, 0)) break;
+    while (ColumnCount(m_hWnd) < kColumnCount) {
+        LVCOLUMNA column = {};
+        column.mask = LVCF_TEXT;
+        column.pszText = const_cast<char*>("");
+        int before = ColumnCount(m_hWnd);
+        SendMessageA(m_hWnd, LVM_INSERTCOLUMNA, before, reinterpret_cast<LPARAM>(&column));
+        if (ColumnCount(m_hWnd) == before) break;
+    }
+    RECT client;
+    GetClientRect(m_hWnd, &client);
+    int first = client.right - client.left - 150;
+    for (int i = 0; i < kColumnCount; ++i) {
+        LVCOLUMNA column = {};
+        column.mask = LVCF_TEXT | LVCF_FMT | LVCF_WIDTH;
+        column.pszText = const_cast<char*>(kColumns[i].header);
+        column.fmt = kColumns[i].format;
+        column.cx = kColumns[i].width ? kColumns[i].width : (first < 200 ? 200 : first);
+        SendMessageA(m_hWnd, LVM_SETCOLUMNA, i, reinterpret_cast<LPARAM>(&column));
+    }
+}
+
+void COndFMLocalListCtrl::SetNotifyWindow(HWND window) { m_hNotifyWindow = window; }
+
+void COndFMLocalListCtrl::SetNotifyMessage(uint32_t message) { m_nNotifyMessage = message; }
+
+void COndFMLocalListCtrl::Notify() {
+    if (m_hNotifyWindow && m_nNotifyMessage) SendMessageA(m_hNotifyWindow, m_nNotifyMessage, 0, 0);
+}
+
+std::string COndFMLocalListCtrl::ItemText(int row, int column, size_t maxChars) const {
+    std::string text(maxChars + 1, '\0');
+    LVITEMA item = {};
+    item.iSubItem = column;
+    item.pszText = &text[0];
+    item.cchTextMax = static_cast<int>(text.size());
+    LRESULT length = SendMessageA(m_hWnd, LVM_GETITEMTEXTA, row, reinterpret_cast<LPARAM>(&item));
+    text.resize(length > 0 ? static_cast<size_t>(length) : 0);
+    return text;
+}
+
+TFMROW COndFMLocalListCtrl::GetRow(int row) const {
+    TFMROW text;
+    if (!m_hWnd) return text;
+    text.path = ItemText(row, 0, ondfm::kRowPathMax);
+    text.fileId = ItemText(row, 1, 63);
+    text.fileType = ItemText(row, 2, 63);
+    text.fileMode = ItemText(row, 3, 63);
+    return text;
+}
+
+void COndFMLocalListCtrl::SetRow(int row, const TFMROW& text) {
+    const std::string* columns[] = {&text.path, &text.fileId, &text.fileType, &text.fileMode};
+    for (int i = 0; i < kColumnCount; ++i) {
+        LVITEMA item = {};
+        item.iSubItem = i;
+        item.pszText = const_cast<char*>(columns[i]->c_str());
+        SendMessageA(m_hWnd, LVM_SETITEMTEXTA, row, reinterpret_cast<LPARAM>(&item));
+    }
+}
+
+int COndFMLocalListCtrl::AppendRow() {
+    LVITEMA item = {};
+    item.mask = LVIF_TEXT;
+    item.iItem = RowCount();
+    item.pszText = const_cast<char*>("");
+    return static_cast<int>(SendMessageA(m_hWnd, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item)));
+}
+
+void COndFMLocalListCtrl::GetEntry(int row, TFILEENTRY* entry) {
+    if (entry) *entry = ondfm::EntryFromRow(GetRow(row));
+}
+
+void COndFMLocalListCtrl::SetEntry(int row, const TFILEENTRY& entry) {
+    if (m_hWnd) SetRow(row, ondfm::RowFromEntry(entry));
+}
+
+void COndFMLocalListCtrl::SetDefaultEntry(int row, const std::string& path) {
+    if (m_hWnd) SetRow(row, ondfm::DefaultRow(path));
+}
+
+void COndFMLocalListCtrl::AddFile(const std::string& path) {
+    if (!m_hWnd) return;
+    int row = AppendRow();
+    if (row >= 0) SetDefaultEntry(row, path);
+}
+
+void COndFMLocalListCtrl::AddEntry(const TFILEENTRY& entry) {
+    if (!m_hWnd) return;
+    int row = AppendRow();
+    if (row >= 0) SetEntry(row, entry);
+}
+
+int COndFMLocalListCtrl::RowCount() const {
+    return m_hWnd ? static_cast<int>(SendMessageA(m_hWnd, LVM_GETITEMCOUNT, 0, 0)) : 0;
+}
+
+int COndFMLocalListCtrl::SelectedCount() const {
+    return m_hWnd ? static_cast<int>(SendMessageA(m_hWnd, LVM_GETSELECTEDCOUNT, 0, 0)) : 0;
+}
+
+int COndFMLocalListCtrl::NextSelected(int after) const {
+    if (!m_hWnd) return -1;
+    return static_cast<int>(SendMessageA(m_hWnd, LVM_GETNEXTITEM, static_cast<WPARAM>(after),
+                                         MAKELPARAM(LVNI_SELECTED, 0)));
+}
+
+void COndFMLocalListCtrl::DeleteAllRows() {
+    if (m_hWnd) SendMessageA(m_hWnd, LVM_DELETEALLITEMS, 0, 0);
+}
+
+TFILEENTRYLIST COndFMLocalListCtrl::AllEntries() {
+    TFILEENTRYLIST entries;
+    int count = RowCount();
+    entries.resize(static_cast<size_t>(count));
+    for (int i = 0; i < count; ++i) GetEntry(i, &entries[static_cast<size_t>(i)]);
+    return entries;
+}
+
+TFILEENTRYLIST COndFMLocalListCtrl::SelectedEntries() {
+    TFILEENTRYLIST entries;
+    int count = SelectedCount();
+    for (int i = 0, row = -1; i < count; ++i) {
+        row = NextSelected(row);
+        if (row < 0) break;
+        entries.emplace_back();
+        GetEntry(row, &entries.back());
+    }
+    return entries;
+}
+
+// One properties dialog serves every selected row; Cancel for one row goes
+// on with the next.
+void COndFMLocalListCtrl::EditSelected() {
+    if (!m_hWnd) return;
+    CFMFilePropertiesDialog dialog;
+    int count = SelectedCount();
+    for (int i = 0, row = -1; i < count && m_hWnd; ++i) {
+        row = NextSelected(row);
+        if (row < 0) break;
+        TFILEENTRY entry;
+        GetEntry(row, &entry);
+        dialog.SetRecord(entry);
+        if (dialog.DoModal(GetParent(m_hWnd)) == IDOK && m_hWnd) SetEntry(row, dialog.Record());
+    }
+    Notify();
+}
+
+void COndFMLocalListCtrl::RemoveSelected() {
+    if (!m_hWnd) return;
+    for (int row = NextSelected(-1); row >= 0; row = NextSelected(-1))
+        if (!SendMessageA(m_hWnd, LVM_DELETEITEM, row, 0)) break;
+    Notify();
+}
+
+bool COndFMLocalListCtrl::OnReflectedNotify(const NMHDR* header, LRESULT* result) {
+    if (!m_hWnd || !header || header->hwndFrom != m_hWnd || header->code != NM_DBLCLK) return false;
+    EditSelected();
+    *result = 0;
+    return true;
+}

@@ -1,0 +1,67 @@
+// CProgressDialog: the modal window (template 4004) in which the File
+// Manager's copy runs. A worker thread (16384-byte stack) runs the copy loop
+// of filemanager/FMCopyLoop.h and only ever posts to the window:
+// ONX_WM_FILESTARTED before each file, ONX_WM_FILEPROGRESS for each step of
+// the transfer, and WM_CLOSE at the end. The window's thread may therefore
+// wait for the worker without a deadlock.
+//
+// Abort, Escape, the worker's close and the window's destruction all end the
+// same way: abort is requested, the worker is joined (no time limit), and the
+// dialog ends.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <vector>
+
+#include "filemanager/FMCopyLoop.h"
+#include "frame/Dialog.h"
+#include "os/Platform.h"
+
+enum : uint32_t {
+    ONX_WM_FILESTARTED = 0x8000,   // wParam: overall percentage, lParam: file index
+    ONX_WM_FILEPROGRESS = 0x8001,  // wParam: steps done of the current file
+};
+
+class CProgressDialog : public CONXDialogBase, private CFMProgressSink_0 {
+public:
+    CProgressDialog() = default;
+    ~CProgressDialog() override;
+
+    // Before DoModal: the channel (not owned), a copy of the list and the
+    // continue-on-error choice.
+    void Setup(COndDeviceComm_0* channel, const TFILEENTRYLIST& files, bool continueOnError);
+    intptr_t DoModal(HWND parent);
+    // After the dialog has ended.
+    const std::vector<TCOPYERROR>& Errors() const { return m_Errors; }
+    const TFILEENTRYLIST& Files() const { return m_Files; }
+    int32_t Result() const { return m_nResult; }
+
+    bool OnInitDialog() override;
+    bool OnMessage(uint32_t message, uintptr_t wParam, intptr_t lParam, intptr_t* result) override;
+    void OnCancel() override;
+    void OnClose() override;
+
+private:
+    // CFMProgressSink_0, on the worker thread.
+    void FileStarted(uint32_t percent, size_t index) override;
+    void FileProgress(uint32_t stepsDone) override;
+    bool AbortRequested() override;
+    void CopyEnded() override;
+
+    static void Worker(void* dialog);
+    void OnFileStarted(uint32_t percent, size_t index);
+    // Requests abort and waits for the worker; its result is kept.
+    void JoinWorker();
+
+    COndDeviceComm_0* m_pChannel = nullptr;
+    TFILEENTRYLIST m_Files;
+    std::vector<TCOPYERROR> m_Errors;
+    std::atomic<uint32_t> m_nAbortRequested{0};
+    int32_t m_nResult = 0;
+    bool m_bContinueOnError = true;
+    HWND m_hRunWindow = nullptr;  // where the worker posts; set before it starts
+    COsThread m_Worker;
+    bool m_bWorkerRunning = false;
+    uint32_t m_nLastProgress = 0xFFFFFFFF;
+};

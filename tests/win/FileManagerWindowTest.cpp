@@ -1,0 +1,997 @@
+// The File Manager's windows through the DLL, driven as a user does: clicks,
+// keys, dropped files, the file dialogs, the properties dialog and the
+// progress window, with the questions and messages found and answered. The
+// simulated device shows what arrived, and that the lock is given back.
+//
+// A modal window (a message box, a file dialog, the properties or progress
+// window) runs its own loop inside the click that opened it, so a driver
+// thread looks at it and answers while this thread pumps.
+#include "WinTest.h"  // windows.h first
+
+#include <commctrl.h>
+#include <shlobj.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstring>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "filemanager/FileManager.h"
+#include "frame/Dialog.h"
+#include "host/sim/SimDevice.h"
+#include "res/OndResource.h"
+
+namespace {
+
+class CTestFileManager : public CONXFileManager {
+public:
+    HWND Window() { return m_pDialog ? m_pDialog->GetSafeHwnd() : nullptr; }
+};
+
+std::string g_dir;  // the test's files, in the temporary folder, ending in a backslash
+
+std::string WriteFile(const std::string& name, const std::string& bytes) {
+    std::string path = g_dir + name;
+    FILE* f = std::fopen(path.c_str(), "wb");
+    if (f) {
+        std::fwrite(bytes.data(), 1, bytes.size(), f);
+        std::fclose(f);
+    }
+    return path;
+}
+
+std::string ReadFile(const std::string& path) {
+    std::string text;
+    FILE* f = std::fopen(path.c_str(), "rb");
+    if (!f) return "<missing>";
+    char buffer[4096];
+    size_t n;
+    while ((n = std::fread(buffer, 1, sizeof buffer, f)) > 0) text.append(buffer, n);
+    std::fclose(f);
+    return text;
+}
+
+void Click(HWND dialog, int id) {
+    PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED),
+                 reinterpret_cast<LPARAM>(GetDlgItem(dialog, id)));
+}
+
+// A click whose handler opens nothing modal ("Clear"): done when this returns.
+void ClickNow(HWND dialog, int id) {
+    SendMessageA(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED),
+                 reinterpret_cast<LPARAM>(GetDlgItem(dialog, id)));
+}
+
+// A host's GetMessage loop until cond holds or ms pass; a thread timer wakes
+// it to look.
+template <class F>
+bool PumpUntil(F cond, DWORD ms) {
+    UINT_PTR timer = SetTimer(nullptr, 0, 20, nullptr);
+    DWORD start = GetTickCount();
+    MSG msg;
+    while (!cond() && GetTickCount() - start <= ms && GetMessageA(&msg, nullptr, 0, 0) > 0) {
+        TranslateMessage(&msg);
+        DispatchMessageA(&msg);
+    }
+    KillTimer(nullptr, timer);
+    return cond();
+}
+
+HWND FindDialog(const char* caption) {
+    HWND found = FindWindowA("#32770", caption);
+    return found && IsWindowVisible(found) ? found : nullptr;
+}
+
+// For driver threads: waits (without pumping) for a visible dialog.
+HWND WaitForDialog(const char* caption, DWORD ms = 15000) {
+    DWORD start = GetTickCount();
+    for (;;) {
+        if (HWND found = FindDialog(caption)) {
+            Sleep(150);  // let it finish its initialisation
+            return found;
+        }
+        if (GetTickCount() - start > ms) return nullptr;
+        Sleep(10);
+    }
+}
+
+bool WaitGone(HWND window, DWORD ms = 10000) {
+    DWORD start = GetTickCount();
+    while (IsWindow(window) && IsWindowVisible(window)) {
+        if (GetTickCount() - start > ms) return false;
+        Sleep(10);
+    }
+    return true;
+}
+
+// What a message box showed.
+struct TBox {
+    bool seen = false;
+    std::string text;
+    std::string buttons;  // button texts in id order, "|" after each
+    std::string icon;     // "exclamation", "question" or "none"
+    int defaultButton = 0;
+};
+
+BOOL CALLBACK CollectBox(HWND child, LPARAM out) {
+    auto* box = reinterpret_cast<TBox*>(out);
+    char cls[32] = "";
+    GetClassNameA(child, cls, sizeof cls);
+    LONG style = GetWindowLongA(child, GWL_STYLE);
+    if (_stricmp(cls, "Static") == 0) {
+        if ((style & SS_TYPEMASK) == SS_ICON) {
+            HICON icon = reinterpret_cast<HICON>(SendMessageA(child, STM_GETICON, 0, 0));
+            if (!icon || !IsWindowVisible(child)) return TRUE;  // a box without an icon
+            box->icon = icon == LoadIconA(nullptr, IDI_EXCLAMATION) ? "exclamation"
+                        : icon == LoadIconA(nullptr, IDI_QUESTION)  ? "question"
+                                                                    : "other";
+        } else if (!WindowText(child).empty()) {
+            box->text = WindowText(child);
+        }
+    }
+    return TRUE;
+}
+
+TBox ReadBox(HWND window) {
+    TBox box;
+    box.seen = true;
+    box.icon = "none";
+    EnumChildWindows(window, CollectBox, reinterpret_cast<LPARAM>(&box));
+    for (int id : {IDOK, IDCANCEL, IDYES, IDNO}) {
+        HWND button = GetDlgItem(window, id);
+        if (!button || !IsWindowVisible(button)) continue;
+        std::string text = WindowText(button);
+        text.erase(std::remove(text.begin(), text.end(), '&'), text.end());  // mnemonics
+        box.buttons += text + "|";
+        if ((GetWindowLongA(button, GWL_STYLE) & 0xF) == BS_DEFPUSHBUTTON) box.defaultButton = id;
+    }
+    return box;
+}
+
+// Waits for a box of that caption, reads it and presses the button.
+TBox AnswerBox(const char* caption, int button, DWORD ms = 15000) {
+    TBox box;
+    HWND window = WaitForDialog(caption, ms);
+    if (!window) return box;
+    box = ReadBox(window);
+    PostMessageA(window, WM_COMMAND, button, 0);
+    WaitGone(window);
+    return box;
+}
+
+// Types a name into an open or save dialog and presses its OK button.
+void TypeFileName(HWND dialog, const std::string& name) {
+    HWND edit = GetDlgItem(dialog, 0x47C);  // the file name combo
+    if (!edit) edit = GetDlgItem(dialog, 0x480);
+    SetWindowTextA(edit, name.c_str());
+    PostMessageA(dialog, WM_COMMAND, IDOK, 0);
+}
+
+bool AnswerFileDialog(const char* caption, const std::string& path) {
+    HWND dialog = WaitForDialog(caption);
+    if (!dialog) return false;
+    TypeFileName(dialog, path);
+    return WaitGone(dialog);
+}
+
+// Anything a failed driver left open is closed, so that the click that
+// opened it can return.
+void CloseLeftovers() {
+    const char* captions[] = {"Error", "Warning", "WARNING", "File properties", "Progress",
+                              "Open source file(s)", "Open job file", "Save list file"};
+    for (int round = 0; round < 20; ++round) {
+        bool any = false;
+        for (const char* caption : captions) {
+            if (HWND w = FindDialog(caption)) {
+                PostMessageA(w, WM_COMMAND, IDCANCEL, 0);
+                any = true;
+            }
+        }
+        if (!any) return;
+        Sleep(100);
+    }
+}
+
+// Runs body on a driver thread while this thread pumps, started by `action`
+// (a posted click). Returns when the driver has finished and the handlers it
+// drove have returned.
+void Drive(const std::function<void()>& action, const std::function<void()>& body) {
+    struct TRun {
+        std::function<void()> body;
+        std::atomic<bool> done{false};
+    } run;
+    run.body = body;
+    HANDLE thread = CreateThread(
+        nullptr, 0,
+        [](void* p) -> DWORD {
+            auto* r = static_cast<TRun*>(p);
+            r->body();
+            CloseLeftovers();
+            r->done = true;
+            return 0;
+        },
+        &run, 0, nullptr);
+    action();
+    bool ended = PumpUntil([&] { return run.done.load(); }, 90000);
+    CHECK(ended);
+    if (!ended) CloseLeftovers();
+    WaitForSingleObject(thread, INFINITE);
+    CloseHandle(thread);
+    PumpMessages(50);  // the posted rest of the handler
+}
+
+// The list's rows as "c0,c1,...|" per row.
+std::string Rows(HWND list) {
+    std::string all;
+    int rows = int(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0));
+    HWND header = reinterpret_cast<HWND>(SendMessageA(list, LVM_GETHEADER, 0, 0));
+    int columns = int(SendMessageA(header, HDM_GETITEMCOUNT, 0, 0));
+    for (int r = 0; r < rows; ++r) {
+        for (int c = 0; c < columns; ++c) {
+            char text[1100] = "";
+            LVITEMA item = {};
+            item.iSubItem = c;
+            item.pszText = text;
+            item.cchTextMax = sizeof text;
+            SendMessageA(list, LVM_GETITEMTEXTA, r, reinterpret_cast<LPARAM>(&item));
+            all += text;
+            all += c + 1 < columns ? "," : "|";
+        }
+    }
+    return all;
+}
+
+int RowCount(HWND list) { return int(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0)); }
+
+void Select(HWND list, std::initializer_list<int> rows) {
+    LVITEMA clear = {};
+    clear.stateMask = LVIS_SELECTED;
+    SendMessageA(list, LVM_SETITEMSTATE, WPARAM(-1), reinterpret_cast<LPARAM>(&clear));
+    for (int row : rows) {
+        LVITEMA item = {};
+        item.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
+        item.state = LVIS_SELECTED | LVIS_FOCUSED;
+        SendMessageA(list, LVM_SETITEMSTATE, row, reinterpret_cast<LPARAM>(&item));
+    }
+}
+
+void SetCell(HWND list, int row, int column, const char* text) {
+    LVITEMA item = {};
+    item.iSubItem = column;
+    item.pszText = const_cast<char*>(text);
+    SendMessageA(list, LVM_SETITEMTEXTA, row, reinterpret_cast<LPARAM>(&item));
+}
+
+std::string Header(HWND list, int column, int* width, int* format) {
+    char text[64] = "";
+    LVCOLUMNA info = {};
+    info.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_FMT;
+    info.pszText = text;
+    info.cchTextMax = sizeof text;
+    SendMessageA(list, LVM_GETCOLUMNA, column, reinterpret_cast<LPARAM>(&info));
+    *width = info.cx;
+    *format = info.fmt & LVCFMT_JUSTIFYMASK;
+    return text;
+}
+
+// Files dropped from a shell window: an HDROP of ANSI names.
+void DropFiles(HWND window, const std::vector<std::string>& paths) {
+    size_t chars = 1;
+    for (const std::string& p : paths) chars += p.size() + 1;
+    HGLOBAL memory = GlobalAlloc(GHND, sizeof(DROPFILES) + chars);
+    auto* drop = static_cast<DROPFILES*>(GlobalLock(memory));
+    drop->pFiles = sizeof(DROPFILES);
+    drop->fWide = FALSE;
+    char* names = reinterpret_cast<char*>(drop + 1);
+    for (const std::string& p : paths) {
+        std::memcpy(names, p.c_str(), p.size() + 1);
+        names += p.size() + 1;
+    }
+    *names = '\0';
+    GlobalUnlock(memory);
+    SendMessageA(window, WM_DROPFILES, reinterpret_cast<WPARAM>(memory), 0);
+}
+
+void Store(CSimDevice* sim, uint8_t id, uint8_t type, size_t size) {
+    std::string data(size, char('0' + id % 10));
+    sim->TransmitFileFromMemory(data.data(), data.size(), id, type, 0, nullptr, nullptr, 1, 1);
+}
+
+bool Enabled(HWND dialog, int id) { return IsWindowEnabled(GetDlgItem(dialog, id)) != 0; }
+
+// Makes the dialog look at its controls and the channel now, as its timer would.
+void Update(CTestFileManager* fm, CSimDevice* sim) {
+    fm->Connect(sim);  // hands the channel to the dialog, which updates its state
+    PumpMessages(20);
+}
+
+// --- the window, its lists and states ----------------------------------------
+
+void TestLayoutAndStates(CSimDevice* sim) {
+    Store(sim, 1, 2, 300);
+    Store(sim, 7, 9, 5000);
+    CTestFileManager fm;
+    fm.Connect(sim);
+    CHECK(fm.ShowDialogNonModal(TestHostWindow()) == EONX_ERR_NONE);
+    HWND dialog = fm.Window();
+    CHECK(dialog != nullptr);
+    if (!dialog) return;
+    CHECK_EQ_STR(WindowText(dialog), "File manager");
+    CHECK((GetWindowLongA(dialog, GWL_EXSTYLE) & WS_EX_ACCEPTFILES) != 0);
+    CHECK(IsDlgButtonChecked(dialog, IDC_FM_CONTINUE) == BST_CHECKED);
+    CHECK(sim->LockOwner() == nullptr);
+
+    HWND local = GetDlgItem(dialog, IDC_FM_LOCALLIST);
+    HWND device = GetDlgItem(dialog, IDC_FM_DEVICELIST);
+    RECT client;
+    GetClientRect(local, &client);
+    int width, format;
+    int first = client.right - 150 < 200 ? 200 : client.right - 150;
+    CHECK_EQ_STR(Header(local, 0, &width, &format), "Filename");
+    CHECK(width == first && format == LVCFMT_LEFT);
+    const char* localHeaders[] = {"File ID", "File type", "File mode"};
+    for (int i = 1; i < 4; ++i) {
+        CHECK_EQ_STR(Header(local, i, &width, &format), localHeaders[i - 1]);
+        CHECK(width == 50 && format == LVCFMT_RIGHT);
+    }
+    DWORD styles = DWORD(SendMessageA(local, LVM_GETEXTENDEDLISTVIEWSTYLE, 0, 0));
+    CHECK((styles & (LVS_EX_GRIDLINES | LVS_EX_FULLROWSELECT)) == (LVS_EX_GRIDLINES | LVS_EX_FULLROWSELECT));
+    GetClientRect(device, &client);
+    CHECK_EQ_STR(Header(device, 0, &width, &format), "File ID");
+    CHECK(width == 60);
+    CHECK_EQ_STR(Header(device, 1, &width, &format), "File type");
+    CHECK(width == 60 && format == LVCFMT_RIGHT);
+    CHECK_EQ_STR(Header(device, 2, &width, &format), "File size");
+    CHECK(width == (client.right - 120 < 100 ? 100 : client.right - 120) && format == LVCFMT_RIGHT);
+
+    // The first refresh ran in OnInitDialog.
+    CHECK_EQ_STR(Rows(device), "1,2,300|7,9,5000|");
+    CHECK_EQ_STR(ItemText(dialog, IDC_FM_SUMMARY),
+                 "5300 bytes in 2 files\nrequire 12288 bytes on disk\n1036288 bytes free");
+    CHECK(ItemText(dialog, IDC_FM_CONFIG).find("State: open") != std::string::npos);
+
+    // Connected, no local rows, no device row selected.
+    CHECK(!Enabled(dialog, IDC_FM_SAVEJOB));
+    CHECK(!Enabled(dialog, IDC_FM_COPYSELECTED));
+    CHECK(!Enabled(dialog, IDC_FM_COPYALL));
+    CHECK(Enabled(dialog, IDC_FM_REFRESH));
+    CHECK(Enabled(dialog, IDC_FM_FORMAT));
+    CHECK(!Enabled(dialog, IDC_FM_DELETE));
+    for (int id : {IDC_FM_ADDFILES, IDC_FM_CLEAR, IDC_FM_LOADJOB, IDOK}) CHECK(Enabled(dialog, id));
+
+    DropFiles(dialog, {g_dir + "a.bin"});
+    Select(device, {1});
+    Update(&fm, sim);
+    CHECK(Enabled(dialog, IDC_FM_SAVEJOB));
+    CHECK(Enabled(dialog, IDC_FM_COPYALL));
+    CHECK(!Enabled(dialog, IDC_FM_COPYSELECTED));
+    CHECK(Enabled(dialog, IDC_FM_DELETE));
+    Select(local, {0});
+    Update(&fm, sim);
+    CHECK(Enabled(dialog, IDC_FM_COPYSELECTED));
+    SaveScreenshot(dialog, "filemanager");
+
+    // A closed channel (state 2): every device action off, "Save job" still on.
+    sim->SetState(2);
+    Update(&fm, sim);
+    CHECK(ItemText(dialog, IDC_FM_CONFIG).find("State: closed") != std::string::npos);
+    for (int id : {IDC_FM_COPYSELECTED, IDC_FM_COPYALL, IDC_FM_REFRESH, IDC_FM_FORMAT, IDC_FM_DELETE})
+        CHECK(!Enabled(dialog, id));
+    CHECK(Enabled(dialog, IDC_FM_SAVEJOB));
+    sim->SetState(1);
+    // No channel at all counts as not connected; nothing is asked of it.
+    fm.Connect(nullptr);
+    PumpMessages(20);
+    CHECK_EQ_STR(ItemText(dialog, IDC_FM_CONFIG), "No communication device...");
+    CHECK(!Enabled(dialog, IDC_FM_REFRESH) && !Enabled(dialog, IDC_FM_DELETE));
+    CHECK(Enabled(dialog, IDC_FM_SAVEJOB));
+    uint64_t calls = sim->TotalCallCount();
+    Click(dialog, IDC_FM_REFRESH);
+    Click(dialog, IDC_FM_FORMAT);
+    PumpMessages(100);
+    CHECK(sim->TotalCallCount() == calls);
+    CHECK_EQ_STR(Rows(device), "1,2,300|7,9,5000|");  // the list keeps its rows
+}
+
+// A failed read: the message in the summary, the list rebuilt from what the
+// channel then reports (nothing).
+void TestRefreshFailure(CSimDevice* sim) {
+    CTestFileManager fm;
+    fm.Connect(sim);
+    fm.ShowDialogNonModal(TestHostWindow());
+    HWND dialog = fm.Window();
+    if (!dialog) return;
+    HWND device = GetDlgItem(dialog, IDC_FM_DEVICELIST);
+    CHECK(RowCount(device) == 2);
+    sim->InjectFault("ReadDirectory", 1);
+    Click(dialog, IDC_FM_REFRESH);
+    PumpMessages(100);
+    CHECK_EQ_STR(ItemText(dialog, IDC_FM_SUMMARY), "Could not read device directory:\nSimulated device fault");
+    CHECK(RowCount(device) == 0);
+    CHECK(sim->LockOwner() == nullptr);
+    Click(dialog, IDC_FM_REFRESH);
+    PumpMessages(100);
+    CHECK(RowCount(device) == 2);
+
+    // Another owner holds the channel (a script runs): the locked message.
+    CHECK(sim->Lock(sim, 0) == 0);
+    TBox box;
+    Drive([&] { Click(dialog, IDC_FM_REFRESH); }, [&] { box = AnswerBox("Error", IDOK); });
+    CHECK_EQ_STR(box.text, "Communication device is locked");
+    CHECK_EQ_STR(box.buttons, "OK|");
+    CHECK_EQ_STR(box.icon, "exclamation");
+    sim->Unlock(sim);
+}
+
+void TestDelete(CSimDevice* sim) {
+    for (uint8_t id : {3, 4, 5, 6}) Store(sim, id, 1, 10);
+    CTestFileManager fm;
+    fm.Connect(sim);
+    fm.ShowDialogNonModal(TestHostWindow());
+    HWND dialog = fm.Window();
+    if (!dialog) return;
+    HWND device = GetDlgItem(dialog, IDC_FM_DEVICELIST);
+    CHECK_EQ_STR(Rows(device), "1,2,300|3,1,10|4,1,10|5,1,10|6,1,10|7,9,5000|");
+
+    TBox box;
+    Drive([&] { Click(dialog, IDC_FM_DELETE); }, [&] { box = AnswerBox("Error", IDOK); });
+    CHECK_EQ_STR(box.text, "No files marked to delete!");
+
+    // One file: singular.
+    Select(device, {1});
+    Drive([&] { Click(dialog, IDC_FM_DELETE); }, [&] { box = AnswerBox("Warning", IDYES); });
+    CHECK_EQ_STR(box.text, "Deleting 1 file from device, are you sure?");
+    CHECK_EQ_STR(box.buttons, "Yes|No|");
+    CHECK_EQ_STR(box.icon, "question");
+    CHECK(!sim->GetStoredFile(3, nullptr));
+    CHECK_EQ_STR(Rows(device), "1,2,300|4,1,10|5,1,10|6,1,10|7,9,5000|");
+    CHECK(sim->LockOwner() == nullptr);
+
+    // Two files, answered No: nothing happens.
+    Select(device, {1, 2});
+    uint64_t deletes = sim->CallCount("DeleteDeviceFile");
+    Drive([&] { Click(dialog, IDC_FM_DELETE); }, [&] { box = AnswerBox("Warning", IDNO); });
+    CHECK_EQ_STR(box.text, "Deleting 2 files from device, are you sure?");
+    CHECK(sim->CallCount("DeleteDeviceFile") == deletes);
+    CHECK(sim->GetStoredFile(4, nullptr) && sim->GetStoredFile(5, nullptr));
+
+    // Three rows, one of them not a number: skipped without a word.
+    Select(device, {1, 2, 3});
+    SetCell(device, 2, 0, "five");
+    Drive([&] { Click(dialog, IDC_FM_DELETE); }, [&] { box = AnswerBox("Warning", IDYES); });
+    CHECK_EQ_STR(box.text, "Deleting 3 files from device, are you sure?");
+    CHECK(sim->CallCount("DeleteDeviceFile") - deletes == 2);
+    CHECK(FindDialog("Error") == nullptr);
+    CHECK_EQ_STR(Rows(device), "1,2,300|5,1,10|7,9,5000|");
+    CHECK(sim->LockOwner() == nullptr && sim->LockCount() == 0);
+
+    // A failing delete: its message, then the refreshed list.
+    Select(device, {1});
+    sim->InjectFault("DeleteDeviceFile", 1, SIMDEV_ERR_CLOSED);
+    TBox failed;
+    Drive([&] { Click(dialog, IDC_FM_DELETE); }, [&] {
+        AnswerBox("Warning", IDYES);
+        failed = AnswerBox("Error", IDOK);
+    });
+    CHECK_EQ_STR(failed.text, "Could not delete file with ID 5: Device is closed");
+    CHECK_EQ_STR(failed.icon, "exclamation");
+    CHECK(sim->LockOwner() == nullptr);
+}
+
+void TestFormat(CSimDevice* sim) {
+    CTestFileManager fm;
+    fm.Connect(sim);
+    fm.ShowDialogNonModal(TestHostWindow());
+    HWND dialog = fm.Window();
+    if (!dialog) return;
+    HWND device = GetDlgItem(dialog, IDC_FM_DEVICELIST);
+    const char* question =
+        "You have selected to format the device.\nThis will destroy all data stored on the device.\n\n"
+        "Yes: Format all blocks on the device\nNo: Format only the blocks that are marked as used\n"
+        "Cancel: Have mercy on me!";
+
+    // Cancel: the device untouched, the lock given back.
+    uint64_t erases = sim->BlockErases();
+    TBox box;
+    Drive([&] { Click(dialog, IDC_FM_FORMAT); }, [&] {
+        box = AnswerBox("WARNING", IDCANCEL);
+    });
+    CHECK_EQ_STR(box.text, question);
+    CHECK_EQ_STR(box.buttons, "Cancel|Yes|No|");
+    CHECK(box.defaultButton == IDCANCEL);
+    CHECK_EQ_STR(box.icon, "exclamation");
+    CHECK(sim->BlockErases() == erases && sim->CallCount("FormatDevice") == 0);
+    CHECK(RowCount(device) == 3);
+    CHECK(sim->LockOwner() == nullptr);
+
+    // No: only the blocks marked as used; the program slot stays.
+    sim->TransmitFileFromMemory("prog", 4, 0, 0, SIMDEV_MODE_PROGRAM, nullptr, nullptr, 1, 1);
+    uint32_t marked = sim->MarkedBlocks();
+    Drive([&] { Click(dialog, IDC_FM_FORMAT); }, [&] { AnswerBox("WARNING", IDNO); });
+    CHECK(sim->BlockErases() - erases == marked);
+    CHECK(sim->HasProgram());
+    CHECK(RowCount(device) == 0);
+    CHECK(sim->LockOwner() == nullptr);
+
+    // Yes: every block and the program slot.
+    Store(sim, 9, 1, 1);
+    erases = sim->BlockErases();
+    Drive([&] { Click(dialog, IDC_FM_FORMAT); }, [&] { AnswerBox("WARNING", IDYES); });
+    CHECK(sim->BlockErases() - erases == 256);
+    CHECK(!sim->HasProgram());
+    CHECK_EQ_STR(ItemText(dialog, IDC_FM_SUMMARY),
+                 "0 bytes in 0 files\nrequire 0 bytes on disk\n1048576 bytes free");
+
+    // A failure is shown after the lock is given back.
+    sim->InjectFault("FormatDevice", 1);
+    void* ownerDuringBox = reinterpret_cast<void*>(1);
+    Drive([&] { Click(dialog, IDC_FM_FORMAT); }, [&] {
+        AnswerBox("WARNING", IDYES);
+        HWND error = WaitForDialog("Error");
+        ownerDuringBox = sim->LockOwner();
+        box = ReadBox(error);
+        PostMessageA(error, WM_COMMAND, IDOK, 0);
+        WaitGone(error);
+    });
+    CHECK_EQ_STR(box.text, "Could not format device: Simulated device fault");
+    CHECK(ownerDuringBox == nullptr);
+}
+
+// Dropped files, "Add files", Clear, Delete key, Save job and Load job.
+void TestLocalListAndJobs(CSimDevice* sim) {
+    CTestFileManager fm;
+    fm.Connect(sim);
+    fm.ShowDialogNonModal(TestHostWindow());
+    HWND dialog = fm.Window();
+    if (!dialog) return;
+    HWND local = GetDlgItem(dialog, IDC_FM_LOCALLIST);
+    std::string a = WriteFile("a.bin", "alpha"), image = WriteFile("image.RBF", "fpga");
+    std::string x = WriteFile("x.rbfx", "xx");
+
+    // Dropped in drop order; ".rbf" in any case gets "program".
+    DropFiles(dialog, {a, image, x});
+    CHECK_EQ_STR(Rows(local), a + ",0,1,normal|" + image + ",0,1,program|" + x + ",0,1,normal|");
+
+    // Delete removes the selected rows; with none selected nothing.
+    Select(local, {});
+    SendMessageA(local, WM_KEYDOWN, VK_DELETE, 0);
+    CHECK(RowCount(local) == 3);
+    Select(local, {0, 2});
+    SendMessageA(local, WM_KEYDOWN, VK_DELETE, 0);
+    CHECK_EQ_STR(Rows(local), image + ",0,1,program|");
+    ClickNow(dialog, IDC_FM_CLEAR);
+    CHECK(RowCount(local) == 0);
+
+    // Save job with no rows.
+    TBox box;
+    Drive([&] { Click(dialog, IDC_FM_SAVEJOB); }, [&] { box = AnswerBox("Error", IDOK); });
+    CHECK_EQ_STR(box.text, "No files in list that could be saved");
+
+    // "Add files": two files picked in the folder.
+    std::string folder = g_dir.substr(0, g_dir.size() - 1);
+    Drive([&] { Click(dialog, IDC_FM_ADDFILES); }, [&] {
+        HWND open = WaitForDialog("Open source file(s)");
+        if (!open) return;
+        TypeFileName(open, folder);  // into the folder first
+        Sleep(300);
+        TypeFileName(open, "\"a.bin\" \"image.RBF\"");
+        CHECK(WaitGone(open));
+    });
+    std::string added = Rows(local);
+    CHECK(added == a + ",0,1,normal|" + image + ",0,1,program|" ||
+          added == image + ",0,1,program|" + a + ",0,1,normal|");
+    // Cancelled: nothing added.
+    Drive([&] { Click(dialog, IDC_FM_ADDFILES); }, [&] {
+        HWND open = WaitForDialog("Open source file(s)");
+        PostMessageA(open, WM_COMMAND, IDCANCEL, 0);
+        WaitGone(open);
+    });
+    CHECK(RowCount(local) == 2);
+
+    // Give the rows odd properties, then save and load them back.
+    ClickNow(dialog, IDC_FM_CLEAR);
+    DropFiles(dialog, {a, image, g_dir + "folder with blanks\\c.bin"});
+    SetCell(local, 0, 1, "300");
+    SetCell(local, 0, 2, "x");
+    SetCell(local, 0, 3, "BIT REVERSE");
+    std::string job = g_dir + "saved.dcj";
+    DeleteFileA(job.c_str());
+    Drive([&] { Click(dialog, IDC_FM_SAVEJOB); }, [&] { CHECK(AnswerFileDialog("Save list file", job)); });
+    CHECK_EQ_STR(ReadFile(job), "a.bin\t44\t1\tbit reverse\nimage.RBF\t0\t1\tprogram\n"
+                                "folder with blanks\\c.bin\t0\t1\tnormal\n");
+    ClickNow(dialog, IDC_FM_CLEAR);
+    DropFiles(dialog, {x});
+    Drive([&] { Click(dialog, IDC_FM_LOADJOB); }, [&] { CHECK(AnswerFileDialog("Open job file", job)); });
+    CHECK_EQ_STR(Rows(local), a + ",44,1,bit reverse|" + image + ",0,1,program|" + g_dir +
+                                  "folder with blanks\\c.bin,0,1,normal|");
+
+    // A job file that cannot be read keeps the rows.
+    Drive([&] { Click(dialog, IDC_FM_LOADJOB); }, [&] {
+        CHECK(AnswerFileDialog("Open job file", g_dir + "missing.dcj"));
+        box = AnswerBox("Error", IDOK);
+    });
+    CHECK_EQ_STR(box.text, "Could not open list file");
+    CHECK(RowCount(local) == 3);
+    SaveScreenshot(dialog, "filemanager-local");
+}
+
+// Sets the properties dialog's fields from the driver thread.
+void SetField(HWND properties, int id, const char* text) { SetDlgItemTextA(properties, id, text); }
+
+// Posted: the click may open a message box, which the driver then answers.
+void PressOK(HWND properties) { PostMessageA(GetDlgItem(properties, IDOK), BM_CLICK, 0, 0); }
+
+std::string ComboItems(HWND combo) {
+    std::string all;
+    int count = int(SendMessageA(combo, CB_GETCOUNT, 0, 0));
+    for (int i = 0; i < count; ++i) {
+        char text[64] = "";
+        SendMessageA(combo, CB_GETLBTEXT, i, reinterpret_cast<LPARAM>(text));
+        all += std::string(text) + "=" + std::to_string(SendMessageA(combo, CB_GETITEMDATA, i, 0)) + "|";
+    }
+    return all;
+}
+
+void SelectMode(HWND properties, int index) {
+    HWND combo = GetDlgItem(properties, IDC_FP_MODE);
+    SendMessageA(combo, CB_SETCURSEL, index, 0);
+    SendMessageA(properties, WM_COMMAND, MAKEWPARAM(IDC_FP_MODE, CBN_SELCHANGE),
+                 reinterpret_cast<LPARAM>(combo));
+}
+
+void TestProperties(CSimDevice* sim) {
+    CTestFileManager fm;
+    fm.Connect(sim);
+    fm.ShowDialogNonModal(TestHostWindow());
+    HWND dialog = fm.Window();
+    if (!dialog) return;
+    HWND local = GetDlgItem(dialog, IDC_FM_LOCALLIST);
+    std::string a = g_dir + "a.bin", image = g_dir + "image.RBF";
+    DropFiles(dialog, {a, image});
+    SetCell(local, 0, 1, "17");
+
+    // Space on the first row: the dialog as the row gives it.
+    Select(local, {0});
+    std::string path, id, type, items, note, afterType, afterId, typeShown;
+    TBox typeBox, idBox;
+    bool openAfterEnter = false, openAfterBoxes = false, editsOffForProgram = false;
+    Drive([&] { PostMessageA(local, WM_KEYDOWN, VK_SPACE, 0); }, [&] {
+        HWND p = WaitForDialog("File properties");
+        if (!p) return;
+        path = ItemText(p, IDC_FP_PATH);
+        id = ItemText(p, IDC_FP_ID);
+        type = ItemText(p, IDC_FP_TYPE);
+        items = ComboItems(GetDlgItem(p, IDC_FP_MODE));
+        typeShown = WindowText(GetDlgItem(p, IDC_FP_MODE));
+        SaveScreenshot(p, "fileproperties");
+
+        // "program" turns both edits off and shows the note.
+        SelectMode(p, 2);
+        editsOffForProgram = !IsWindowEnabled(GetDlgItem(p, IDC_FP_ID)) &&
+                             !IsWindowEnabled(GetDlgItem(p, IDC_FP_TYPE));
+        note = ItemText(p, IDC_FP_NOTE);
+        SelectMode(p, 0);  // "bit reverse"
+
+        // Enter in the ID edit: neither closes nor validates.
+        SetField(p, IDC_FP_ID, "abc");
+        SendMessageA(p, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(GetDlgItem(p, IDC_FP_ID)), TRUE);
+        PostMessageA(GetDlgItem(p, IDC_FP_ID), WM_KEYDOWN, VK_RETURN, 0);
+        Sleep(300);
+        openAfterEnter = IsWindow(p) && FindDialog("Error") == nullptr;
+
+        // An invalid ID: its message; the type is not looked at yet.
+        SetField(p, IDC_FP_TYPE, "abc");
+        PressOK(p);
+        idBox = AnswerBox("Error", IDOK);
+        afterId = ItemText(p, IDC_FP_ID);
+        // A valid ID, an invalid type.
+        SetField(p, IDC_FP_ID, "300");
+        PressOK(p);
+        typeBox = AnswerBox("Error", IDOK);
+        afterType = ItemText(p, IDC_FP_TYPE);
+        openAfterBoxes = IsWindow(p) != 0;
+        SetField(p, IDC_FP_TYPE, "12abc");
+        PressOK(p);
+        WaitGone(p);
+    });
+    CHECK_EQ_STR(path, a);
+    CHECK_EQ_STR(id, "17");
+    CHECK_EQ_STR(type, "1");
+    CHECK_EQ_STR(items, "bit reverse=1|normal=0|program=2|");  // sorted; data carries the mode
+    CHECK_EQ_STR(typeShown, "normal");
+    CHECK(editsOffForProgram);
+    CHECK_EQ_STR(note, "NOTE: \"File ID\" and \"File type\" have no effect on files with mode \"program\"!");
+    CHECK(openAfterEnter);
+    CHECK_EQ_STR(idBox.text, "Invalid file ID!");
+    CHECK_EQ_STR(idBox.icon, "none");
+    CHECK_EQ_STR(idBox.buttons, "OK|");
+    CHECK_EQ_STR(afterId, "17");  // the stored ID again
+    CHECK_EQ_STR(typeBox.text, "Invalid file type!");
+    CHECK_EQ_STR(afterType, "1");
+    CHECK(openAfterBoxes);
+    CHECK_EQ_STR(Rows(local), a + ",44,12,bit reverse|" + image + ",0,1,program|");
+
+    // Two rows by double-click: Cancel on the first still opens the second;
+    // "program" keeps the (disabled) edits' values.
+    Select(local, {0, 1});
+    std::string second;
+    NMITEMACTIVATE click = {};  // as the list sends it on a double-click
+    click.hdr.hwndFrom = local;
+    click.hdr.idFrom = IDC_FM_LOCALLIST;
+    click.hdr.code = NM_DBLCLK;
+    click.iItem = 0;
+    Drive([&] { PostMessageA(dialog, WM_NOTIFY, IDC_FM_LOCALLIST, reinterpret_cast<LPARAM>(&click)); },
+          [&] {
+        HWND p = WaitForDialog("File properties");
+        if (!p) return;
+        PostMessageA(p, WM_COMMAND, IDCANCEL, 0);
+        WaitGone(p);
+        p = WaitForDialog("File properties");
+        if (!p) return;
+        second = ItemText(p, IDC_FP_PATH);
+        SetField(p, IDC_FP_ID, "5");
+        SetField(p, IDC_FP_TYPE, "6");
+        PressOK(p);
+        WaitGone(p);
+    });
+    CHECK_EQ_STR(second, image);
+    CHECK_EQ_STR(Rows(local), a + ",44,12,bit reverse|" + image + ",5,6,program|");
+}
+
+// --- copying -----------------------------------------------------------------
+
+void TestCopy(CSimDevice* sim) {
+    CTestFileManager fm;
+    fm.Connect(sim);
+    fm.ShowDialogNonModal(TestHostWindow());
+    HWND dialog = fm.Window();
+    if (!dialog) return;
+    HWND local = GetDlgItem(dialog, IDC_FM_LOCALLIST);
+
+    TBox box;
+    Drive([&] { Click(dialog, IDC_FM_COPYALL); }, [&] { box = AnswerBox("Error", IDOK); });
+    CHECK_EQ_STR(box.text, "No files present to copy!");
+    std::string one = WriteFile("one.bin", "first file"), three = WriteFile("three.bin", "third");
+    std::string missing = g_dir + "two-missing.bin";
+    DropFiles(dialog, {one, missing, three});
+    Drive([&] { Click(dialog, IDC_FM_COPYSELECTED); }, [&] { box = AnswerBox("Error", IDOK); });
+    CHECK_EQ_STR(box.text, "No files marked to copy!");
+    for (int row = 0; row < 3; ++row) {
+        SetCell(local, row, 1, std::to_string(20 + row).c_str());
+        SetCell(local, row, 2, std::to_string(30 + row).c_str());
+    }
+    SetCell(local, 2, 3, "bit reverse");
+
+    // The second of three fails; continue on error (the default): the third goes.
+    Drive([&] { Click(dialog, IDC_FM_COPYALL); }, [&] { box = AnswerBox("Error", IDOK); });
+    CHECK_EQ_STR(box.text, "Error during copying " + missing + ": Local file cannot be opened or read");
+    CHECK_EQ_STR(box.icon, "exclamation");
+    CSimDevice::TStoredFile stored;
+    CHECK(sim->GetStoredFile(20, &stored) && stored.data == "first file" && stored.fileType == 30);
+    CHECK(sim->GetStoredFile(22, &stored) && stored.fileType == 32 && stored.data.size() == 5 &&
+          stored.data[0] == char(0x2E));  // 't' (0x74) bit-reversed
+    CSimDevice::TTransfer last = sim->LastTransfer();
+    CHECK(last.fileMode == 1 && last.flag == 1 && last.steps == 100);
+    CHECK(sim->LockOwner() == nullptr && sim->LockCount() == 0);
+    // The device list was refreshed after the copy.
+    CHECK(Rows(GetDlgItem(dialog, IDC_FM_DEVICELIST)).find("22,32,5|") != std::string::npos);
+
+    // Continue on error off: the copy ends at the failure.
+    sim->FormatDevice(0);
+    SendMessageA(GetDlgItem(dialog, IDC_FM_CONTINUE), BM_CLICK, 0, 0);
+    PumpMessages(50);
+    CHECK(IsDlgButtonChecked(dialog, IDC_FM_CONTINUE) == BST_UNCHECKED);
+    uint64_t transfers = sim->CallCount("TransmitFile");
+    Drive([&] { Click(dialog, IDC_FM_COPYALL); }, [&] { box = AnswerBox("Error", IDOK); });
+    CHECK_EQ_STR(box.text, "Error during copying " + missing + ": Local file cannot be opened or read");
+    CHECK(sim->CallCount("TransmitFile") - transfers == 2);
+    CHECK(sim->GetStoredFile(20, nullptr) && !sim->GetStoredFile(22, nullptr));
+    SendMessageA(GetDlgItem(dialog, IDC_FM_CONTINUE), BM_CLICK, 0, 0);
+
+    // Copy selected: only the selected rows, in list order, no report.
+    sim->FormatDevice(0);
+    Select(local, {2, 0});
+    transfers = sim->CallCount("TransmitFile");
+    Click(dialog, IDC_FM_COPYSELECTED);
+    CHECK(PumpUntil([&] {
+        return sim->CallCount("TransmitFile") - transfers == 2 && sim->LockOwner() == nullptr;
+    }, 10000));
+    CHECK(sim->GetStoredFile(20, nullptr) && sim->GetStoredFile(22, nullptr));
+    CHECK(sim->LastTransfer().fileId == 22);
+    CHECK(FindDialog("Error") == nullptr);
+}
+
+// The progress window during a slow transfer: its lines and bars, then an
+// abort (by the button and by Escape) that stops the transfer and starts no
+// further file; and a long path shortened to the end that fits.
+void TestProgressAndAbort(CSimDevice* sim) {
+    CTestFileManager fm;
+    fm.Connect(sim);
+    fm.ShowDialogNonModal(TestHostWindow());
+    HWND dialog = fm.Window();
+    if (!dialog) return;
+    sim->FormatDevice(0);
+    std::string first = WriteFile("slow1.bin", "slow one"), second = WriteFile("slow2.bin", "two");
+    DropFiles(dialog, {first, second});
+    sim->SetStepDelay(15);  // 1.5 s per file
+
+    for (bool byEscape : {false, true}) {
+        std::string count, name;
+        int barDuring = -1, totalDuring = -1;
+        bool smooth = false;
+        TBox report;
+        uint64_t transfers = sim->CallCount("TransmitFile");
+        Drive([&] { Click(dialog, IDC_FM_COPYALL); }, [&] {
+            HWND progress = WaitForDialog("Progress");
+            if (!progress) return;
+            Sleep(400);
+            count = ItemText(progress, IDC_PROG_COUNT);
+            name = ItemText(progress, IDC_PROG_CURRENT);
+            barDuring = int(SendMessageA(GetDlgItem(progress, IDC_PROG_FILE), PBM_GETPOS, 0, 0));
+            totalDuring = int(SendMessageA(GetDlgItem(progress, IDC_PROG_TOTAL), PBM_GETPOS, 0, 0));
+            smooth = (GetWindowLongA(GetDlgItem(progress, IDC_PROG_FILE), GWL_STYLE) & PBS_SMOOTH) != 0;
+            if (!byEscape) SaveScreenshot(progress, "progress");
+            if (byEscape) {
+                HWND abort = GetDlgItem(progress, IDCANCEL);
+                PostMessageA(abort, WM_KEYDOWN, VK_ESCAPE, 0);
+            } else {
+                PostMessageA(GetDlgItem(progress, IDCANCEL), BM_CLICK, 0, 0);
+            }
+            report = AnswerBox("Error", IDOK);
+        });
+        CHECK_EQ_STR(count, "0 files of 2 copied so far...");
+        CHECK_EQ_STR(name, "Currently copying " + first);
+        CHECK(barDuring > 0 && barDuring < 100);
+        CHECK(totalDuring == 0);
+        CHECK(smooth);
+        CHECK_EQ_STR(report.text, "Error during copying " + first + ": Transfer aborted");
+        CHECK(sim->CallCount("TransmitFile") - transfers == 1);  // no further file
+        CHECK(!sim->GetStoredFile(0, nullptr));
+        CHECK(sim->LockOwner() == nullptr);
+    }
+
+    // One file with a long path: "0 files of 1", the path's end that fits.
+    std::string longFolder = g_dir + std::string(120, 'f') + "\\";
+    CreateDirectoryA(longFolder.c_str(), nullptr);
+    std::string longPath = longFolder + "the-end-of-a-long-path.bin";
+    FILE* f = std::fopen(longPath.c_str(), "wb");
+    CHECK(f != nullptr);
+    if (f) std::fclose(f);
+    ClickNow(dialog, IDC_FM_CLEAR);
+    DropFiles(dialog, {longPath});
+    std::string count, name;
+    int fits = 0, oneMore = 0, width = 0;
+    Drive([&] { Click(dialog, IDC_FM_COPYALL); }, [&] {
+        HWND progress = WaitForDialog("Progress");
+        if (!progress) return;
+        Sleep(200);
+        count = ItemText(progress, IDC_PROG_COUNT);
+        HWND line = GetDlgItem(progress, IDC_PROG_CURRENT);
+        name = WindowText(line);
+        RECT client;
+        GetClientRect(line, &client);
+        width = client.right;
+        HDC dc = CreateCompatibleDC(nullptr);
+        HGDIOBJ old = SelectObject(dc, reinterpret_cast<HGDIOBJ>(SendMessageA(line, WM_GETFONT, 0, 0)));
+        SIZE size;
+        GetTextExtentPoint32A(dc, name.c_str(), int(name.size()), &size);
+        fits = size.cx;
+        size_t k = name.size() - std::strlen("Currently copying ...");
+        std::string longer = "Currently copying ..." + longPath.substr(longPath.size() - k - 1);
+        GetTextExtentPoint32A(dc, longer.c_str(), int(longer.size()), &size);
+        oneMore = size.cx;
+        SelectObject(dc, old);
+        DeleteDC(dc);
+        PostMessageA(progress, WM_COMMAND, IDCANCEL, 0);
+        AnswerBox("Error", IDOK);
+    });
+    CHECK_EQ_STR(count, "0 files of 1 copied so far...");
+    CHECK_EQ_STR(name.substr(0, 21), "Currently copying ...");
+    CHECK(name.size() > 30 && longPath.find(name.substr(21)) == longPath.size() - (name.size() - 21));
+    CHECK(fits <= width && oneMore > width);
+    sim->SetStepDelay(0);
+    CHECK(sim->LockOwner() == nullptr);
+}
+
+// Closing during a copy: the object deleted (from the host's own message, as
+// a host does) and the host's window destroyed. The worker is joined, the
+// lock given back, nothing is left open.
+const UINT WM_TEST_DELETE = WM_APP + 40;
+const UINT WM_TEST_DESTROY = WM_APP + 41;
+
+LRESULT CALLBACK HostProc(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lParam) {
+    if (msg == WM_TEST_DELETE) {
+        delete reinterpret_cast<CTestFileManager*>(wParam);
+        return 1;
+    }
+    if (msg == WM_TEST_DESTROY) {
+        DestroyWindow(reinterpret_cast<HWND>(wParam));
+        return 1;
+    }
+    return DefWindowProcA(hwnd, msg, wParam, lParam);
+}
+
+void TestCloseDuringCopy(CSimDevice* sim) {
+    WNDCLASSA wc = {};
+    wc.lpfnWndProc = HostProc;
+    wc.hInstance = GetModuleHandleA(nullptr);
+    wc.lpszClassName = "OndFMTestHost";
+    RegisterClassA(&wc);
+    HWND host = CreateWindowA("OndFMTestHost", "fm host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0,
+                              300, 200, nullptr, nullptr, wc.hInstance, nullptr);
+    std::string slow = WriteFile("close.bin", "closing");
+    sim->SetStepDelay(20);
+    {
+        auto* fm = new CTestFileManager;
+        fm->Connect(sim);
+        fm->ShowDialogNonModal(host);
+        HWND dialog = fm->Window();
+        DropFiles(dialog, {slow, slow});
+        bool sawProgress = false;
+        Drive([&] { Click(dialog, IDC_FM_COPYALL); }, [&] {
+            sawProgress = WaitForDialog("Progress") != nullptr;
+            Sleep(300);
+            SendMessageA(host, WM_TEST_DELETE, reinterpret_cast<WPARAM>(fm), 0);
+        });
+        CHECK(sawProgress);
+        CHECK(!IsWindow(dialog));
+        CHECK(FindDialog("Progress") == nullptr && FindDialog("Error") == nullptr);
+        CHECK(sim->LockOwner() == nullptr && sim->LockCount() == 0);
+        CHECK(sim->CallCount("TransmitFile") > 0);
+    }
+    {
+        // The host's window goes, taking the dialog and the progress window.
+        HWND parent = CreateWindowA("OndFMTestHost", "parent", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0,
+                                    0, 300, 200, nullptr, nullptr, wc.hInstance, nullptr);
+        CTestFileManager fm;
+        fm.Connect(sim);
+        fm.ShowDialogNonModal(parent);
+        HWND dialog = fm.Window();
+        DropFiles(dialog, {slow});
+        Drive([&] { Click(dialog, IDC_FM_COPYALL); }, [&] {
+            WaitForDialog("Progress");
+            Sleep(300);
+            SendMessageA(host, WM_TEST_DESTROY, reinterpret_cast<WPARAM>(parent), 0);
+        });
+        CHECK(!IsWindow(dialog));
+        CHECK(!fm.IsNonModalDialogOpen());
+        CHECK(sim->LockOwner() == nullptr);
+        // The object builds a new window when asked again.
+        CHECK(fm.ShowDialogNonModal(host) == EONX_ERR_NONE);
+        CHECK(fm.Window() && IsWindow(fm.Window()));
+    }
+    sim->SetStepDelay(0);
+    DestroyWindow(host);
+}
+
+}  // namespace
+
+void TestFileManagerWindow() {
+    char temp[MAX_PATH] = "";
+    GetTempPathA(MAX_PATH, temp);
+    g_dir = std::string(temp) + "ondfm\\";
+    CreateDirectoryA(g_dir.c_str(), nullptr);
+    CreateDirectoryA((g_dir + "folder with blanks").c_str(), nullptr);
+    DWORD start = GetTickCount();
+
+    CSimDevice sim;
+    const struct {
+        const char* name;
+        void (*test)(CSimDevice*);
+    } tests[] = {
+        {"layout", TestLayoutAndStates}, {"refresh", TestRefreshFailure},
+        {"delete", TestDelete},          {"format", TestFormat},
+        {"jobs", TestLocalListAndJobs},  {"properties", TestProperties},
+        {"copy", TestCopy},              {"progress", TestProgressAndAbort},
+        {"close", TestCloseDuringCopy},
+    };
+    for (const auto& t : tests) {
+        DWORD begun = GetTickCount();
+        t.test(&sim);
+        std::printf("file manager %s: %lu ms\n", t.name, GetTickCount() - begun);
+    }
+    CHECK(sim.LockOwner() == nullptr);
+    std::printf("file manager window tests: %lu ms\n", GetTickCount() - start);
+}
