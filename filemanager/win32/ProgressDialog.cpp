@@ -80,7 +80,11 @@ void CProgressDialog::FileStarted(uint32_t percent, size_t index) {
 }
 
 void CProgressDialog::FileProgress(uint32_t stepsDone) {
-    if (IsWindow(m_hRunWindow)) PostMessageA(m_hRunWindow, ONX_WM_FILEPROGRESS, stepsDone, 0);
+    m_nLatestSteps = stepsDone;
+    if (m_bProgressQueued.exchange(true)) return;  // the waiting one will show this step
+    if (!IsWindow(m_hRunWindow) ||
+        !PostMessageA(m_hRunWindow, ONX_WM_FILEPROGRESS, stepsDone, 0))
+        m_bProgressQueued = false;
 }
 
 bool CProgressDialog::AbortRequested() { return m_nAbortRequested.load() != 0; }
@@ -96,14 +100,17 @@ bool CProgressDialog::OnMessage(uint32_t message, uintptr_t wParam, intptr_t lPa
             OnFileStarted(static_cast<uint32_t>(wParam), static_cast<size_t>(lParam));
             *result = 0;
             return true;
-        case ONX_WM_FILEPROGRESS:
-            // Only a change is drawn.
-            if (wParam != m_nLastProgress) {
-                m_nLastProgress = static_cast<uint32_t>(wParam);
-                SendMessageA(GetDlgItem(IDC_PROG_FILE), PBM_SETPOS, wParam, 0);
+        case ONX_WM_FILEPROGRESS: {
+            // Cleared first: a step the worker reports from now on is posted anew.
+            m_bProgressQueued = false;
+            uint32_t steps = m_nLatestSteps.load();
+            if (steps != m_nLastProgress) {  // only a change is drawn
+                m_nLastProgress = steps;
+                SendMessageA(GetDlgItem(IDC_PROG_FILE), PBM_SETPOS, steps, 0);
             }
             *result = 0;
             return true;
+        }
         case WM_DESTROY:
             JoinWorker();
             return false;

@@ -8,6 +8,11 @@
 // Abort, Escape, the worker's close and the window's destruction all end the
 // same way: abort is requested, the worker is joined (no time limit), and the
 // dialog ends.
+//
+// At most one progress message waits in the queue at a time, and the bar
+// shows the latest step when it is served: a fast channel reports steps far
+// quicker than a window can draw them, and a backlog of thousands of them
+// would keep the window (and the close at the end) behind the copy.
 #pragma once
 
 #include <atomic>
@@ -63,5 +68,7 @@ private:
     HWND m_hRunWindow = nullptr;  // where the worker posts; set before it starts
     COsThread m_Worker;
     bool m_bWorkerRunning = false;
-    uint32_t m_nLastProgress = 0xFFFFFFFF;
+    uint32_t m_nLastProgress = 0xFFFFFFFF;         // what the bar shows
+    std::atomic<uint32_t> m_nLatestSteps{0};        // the worker's latest step
+    std::atomic<bool> m_bProgressQueued{false};     // a progress message waits
 };
