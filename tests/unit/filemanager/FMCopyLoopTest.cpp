@@ -12,6 +12,7 @@
 #include "filemanager/FMCopyLoop.h"
 #include "filemanager/FMTexts.h"
 #include "frame/ErrCode.h"
+#include "host/serial/SerialChannel.h"
 #include "host/sim/SimDevice.h"
 #include "os/Platform.h"
 
@@ -208,4 +209,19 @@ TEST_F(FMCopyLoop, TwoHundredFilesWithAFaultInEveryTenth) {
     }
     EXPECT_EQ(ondfm::CopyReport(files, errors, &sim), expected);
     EXPECT_EQ(sink.started.back(), std::make_pair(99u, size_t(199)));
+}
+
+// A raw serial port takes no files: each one is listed with the port's text.
+TEST_F(FMCopyLoop, TheSerialChannelRefusesEveryFile) {
+    CSerialChannel serial;
+    TFILEENTRYLIST files = MakeFiles(2);
+    CRecordingSink sink;
+    std::vector<TCOPYERROR> errors;
+    EXPECT_EQ(ondfm::RunCopyLoop(&serial, files, true, &sink, &errors), SERIAL_ERR_NOFILETRANSFER);
+    ASSERT_EQ(errors.size(), 2u);
+    std::string reason = ondfm::ErrorText(&serial, SERIAL_ERR_NOFILETRANSFER);
+    EXPECT_FALSE(reason.empty());
+    EXPECT_EQ(ondfm::CopyReport(files, errors, &serial),
+              "Error during copying " + files[0].path + ": " + reason + "\n" +
+                  "Error during copying " + files[1].path + ": " + reason);
 }

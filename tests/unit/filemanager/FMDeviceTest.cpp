@@ -10,6 +10,7 @@
 #include "FMTestView.h"
 #include "filemanager/FMDevice.h"
 #include "filemanager/FMTexts.h"
+#include "host/serial/SerialChannel.h"
 
 namespace {
 
@@ -254,4 +255,33 @@ TEST(FMDevice, CopyHoldsTheLockForTheWholeCopyThenRefreshes) {
     ASSERT_EQ(view.copied.size(), 2u);
     EXPECT_EQ(view.copied[1].path, "b");
     ExpectUnlocked(&sim);
+}
+
+// The raw serial port has no file system: every action ends with the port's
+// own clear text, and the lock is given back.
+TEST(FMDevice, TheSerialChannelsFileOperationsFailWithItsTexts) {
+    CSerialChannel serial;  // never opened: the file operations fail all the same
+    CFMTestView view(nullptr);
+    ondfm::RefreshDirectory(&serial, kOwner, &view);
+    EXPECT_EQ(view.summary, "Could not read device directory:\n" +
+                                ondfm::ErrorText(&serial, SERIAL_ERR_NODIRECTORY));
+    EXPECT_NE(view.summary.find("cannot read the device directory"), std::string::npos);
+    EXPECT_TRUE(view.entries.empty());
+
+    view.events.clear();
+    view.answers = {FM_ANSWER_YES, FM_ANSWER_NO};
+    ondfm::DeleteFiles(&serial, kOwner, &view, {"12"});
+    ondfm::FormatDevice(&serial, kOwner, &view);
+    std::vector<std::string> errors;
+    for (const auto& e : view.events)
+        if (e.what == "error") errors.push_back(e.text);
+    ASSERT_EQ(errors.size(), 2u);
+    EXPECT_EQ(errors[0], "Could not delete file with ID 12: " +
+                             ondfm::ErrorText(&serial, SERIAL_ERR_NODELETE));
+    EXPECT_EQ(errors[1], "Could not format device: " + ondfm::ErrorText(&serial, SERIAL_ERR_NOFORMAT));
+
+    // Nobody holds the port afterwards: another owner gets it at once.
+    int other;
+    EXPECT_EQ(serial.Lock(&other, 0), 0);
+    serial.Unlock(&other);
 }
