@@ -4,12 +4,15 @@
 // window and hears of dialog events by the route chosen on the command line.
 //
 //   ondhost.exe [--route callback|window|thread] [--dll <path>] [--exit-after <ms>]
-//               [--run <script.dcs>] [--device sim|serial:PORT[:BAUD]]
+//               [--run <script.dcs>] [--device sim|serial:PORT[:BAUD]] [--sim-delay <ms>]
 //
 // --run picks the script in the Script Processor's window and starts it
 // there, so that its log fills while one watches. The device is the
 // simulated one unless --device names a serial port (the channel dcsrun and
 // dcsterm use); a port that cannot be opened ends the host with a message.
+// The simulated device starts with a few files on it, and --sim-delay slows
+// its transfers (that many milliseconds before each progress step) so that
+// the File Manager's progress bars can be watched.
 #include <windows.h>
 
 #include <algorithm>
@@ -66,6 +69,7 @@ struct THost {
     HWND log = nullptr;
     UINT exitAfter = 0;
     std::string runScript;  // full path; empty: none
+    uint32_t simDelay = 0;  // ms before each progress step of a simulated transfer
 } g_host;
 
 // The Script Processor window's "pick this script (and run it)" message.
@@ -358,6 +362,20 @@ bool LoadModule(const std::string& path) {
            g_host.deleteInstance;
 }
 
+// A device that has been in use: a few files in its directory.
+void PreloadDevice(CSimDevice* device) {
+    const struct {
+        uint8_t id, type;
+        size_t size;
+        char fill;
+    } files[] = {{1, 1, 212, 'c'}, {2, 3, 4096, 't'}, {10, 7, 9000, 'l'}};
+    for (const auto& f : files) {
+        std::string data(f.size, f.fill);
+        device->TransmitFileFromMemory(data.data(), data.size(), f.id, f.type, 0, nullptr, nullptr,
+                                       ONDCOMM_TRANSFER_FLAG, 1);
+    }
+}
+
 int Fail(const char* text) {
     MessageBoxA(nullptr, text, "ondhost", MB_OK | MB_ICONEXCLAMATION);
     return 1;
@@ -395,16 +413,21 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int show) {
             DWORD length = GetFullPathNameA(value.c_str(), MAX_PATH, full, nullptr);
             g_host.runScript = length > 0 && length < MAX_PATH ? full : value;
             ++i;
+        } else if (arg == "--sim-delay" && !value.empty()) {
+            g_host.simDelay = uint32_t(std::strtoul(value.c_str(), nullptr, 10));
+            ++i;
         } else if (arg == "--exit-after" && !value.empty()) {
             g_host.exitAfter = UINT(std::strtoul(value.c_str(), nullptr, 10));
             ++i;
         } else {
             return Fail("usage: ondhost [--route callback|window|thread] [--dll <path>] "
                         "[--exit-after <ms>] [--run <script.dcs>] "
-                        "[--device sim|serial:PORT[:BAUD]]");
+                        "[--device sim|serial:PORT[:BAUD]] [--sim-delay <ms>]");
         }
     }
     if (!CheckHostDeviceOptions(deviceOptions, &error)) return Fail(("ondhost: " + error).c_str());
+    if (deviceOptions.serial && g_host.simDelay)
+        return Fail("ondhost: --sim-delay needs the simulated device");
 
     // The device first: it outlives every object of the module.
     CHostDevice device;
@@ -418,6 +441,10 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int show) {
     }
     g_host.channel = device.Channel();
     g_host.sim = device.Sim();
+    if (g_host.sim) {
+        PreloadDevice(g_host.sim);
+        g_host.sim->SetStepDelay(g_host.simDelay);
+    }
 
     if (!LoadModule(dllPath)) return Fail(("Cannot load " + dllPath).c_str());
 

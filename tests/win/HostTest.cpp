@@ -1,6 +1,9 @@
 // The reference host as a developer starts it: a separate process that loads
 // the DLL by its exports. Its window reports what each object answered.
 #include "WinTest.h"
+
+#include <commctrl.h>
+
 #include "res/OndResource.h"
 
 namespace {
@@ -131,11 +134,64 @@ void TestHostBadPort() {
     CloseHandle(process.hProcess);
 }
 
+// The File Manager in the host: the device's first files listed; then a
+// copy through the progress window, during which the host is closed. The
+// host deletes every instance and unloads the module with the copy just
+// ended, and exits cleanly.
+void TestHostFileManager() {
+    char temp[MAX_PATH] = "";
+    GetTempPathA(MAX_PATH, temp);
+    std::string data = std::string(temp) + "ondhost-copy.bin", job = std::string(temp) + "ondhost.dcj";
+    FILE* f = std::fopen(data.c_str(), "wb");
+    if (f) std::fclose(f);
+    f = std::fopen(job.c_str(), "wb");
+    if (f) {
+        std::fprintf(f, "ondhost-copy.bin\t40\t1\tnormal\nondhost-copy.bin\t41\t1\tnormal\n");
+        std::fclose(f);
+    }
+    PROCESS_INFORMATION process;
+    bool started = StartHost("--sim-delay 20", &process);
+    CHECK(started);
+    if (!started) return;
+    HWND host = WaitForWindow(process.dwProcessId, "OndHostWindow", nullptr);
+    HWND fm = WaitForWindow(process.dwProcessId, "#32770", "File manager");
+    CHECK(host && fm);
+    if (fm) {
+        HWND device = GetDlgItem(fm, IDC_FM_DEVICELIST);
+        CHECK(SendMessageA(device, LVM_GETITEMCOUNT, 0, 0) == 3);
+        CHECK_EQ_STR(ItemText(fm, IDC_FM_SUMMARY),
+                     "13308 bytes in 3 files\nrequire 20480 bytes on disk\n1028096 bytes free");
+        SaveScreenshot(fm, "ondhost-filemanager");
+        // "Load job" as a user does it, then "Copy all ->".
+        PostMessageA(fm, WM_COMMAND, MAKEWPARAM(IDC_FM_LOADJOB, BN_CLICKED), 0);
+        HWND open = WaitForWindow(process.dwProcessId, "#32770", "Open job file");
+        CHECK(open != nullptr);
+        if (open) {
+            PumpMessages(200);
+            HWND name = GetDlgItem(open, 0x47C);
+            if (!name) name = GetDlgItem(open, 0x480);
+            SetWindowTextA(name, job.c_str());
+            PostMessageA(open, WM_COMMAND, IDOK, 0);
+        }
+        HWND local = GetDlgItem(fm, IDC_FM_LOCALLIST);
+        for (int i = 0; i < 100 && SendMessageA(local, LVM_GETITEMCOUNT, 0, 0) != 2; ++i) PumpMessages(50);
+        CHECK(SendMessageA(local, LVM_GETITEMCOUNT, 0, 0) == 2);
+        PostMessageA(fm, WM_COMMAND, MAKEWPARAM(IDC_FM_COPYALL, BN_CLICKED), 0);
+        HWND progress = WaitForWindow(process.dwProcessId, "#32770", "Progress");
+        CHECK(progress != nullptr);
+        PumpMessages(300);
+    }
+    EndHost(host, &process);  // closed during the copy: exit status 0
+    DeleteFileA(job.c_str());
+    DeleteFileA(data.c_str());
+}
+
 }  // namespace
 
 void TestHost() {
     TestHostRunsDemo();
     TestHostBadPort();
+    TestHostFileManager();
     PROCESS_INFORMATION process;
     bool started = StartHost("--route window", &process);
     CHECK(started);
