@@ -740,6 +740,29 @@ void TestProperties(CSimDevice* sim) {
     CHECK_EQ_STR(Rows(local), a + ",44,12,bit reverse|" + image + ",5,6,program|");
 }
 
+// 255 files on a device with more than 4 GiB free: every row, the 64-bit figure.
+void TestBigDevice(CSimDevice*) {
+    CSimDevice::TConfig config;
+    config.blockCount = 65536;
+    config.blockSize = 131072;
+    CSimDevice big(config);
+    for (int id = 0; id < 255; ++id) Store(&big, uint8_t(id), uint8_t(id % 5), size_t(id) * 3);
+    CTestFileManager fm;
+    fm.Connect(&big);
+    fm.ShowDialogNonModal(TestHostWindow());
+    HWND dialog = fm.Window();
+    if (!dialog) return;
+    HWND device = GetDlgItem(dialog, IDC_FM_DEVICELIST);
+    CHECK(RowCount(device) == 255);
+    std::string rows = Rows(device);
+    CHECK(rows.rfind("0,0,0|1,1,3|", 0) == 0);
+    const std::string last = "|254,4,762|";
+    CHECK(rows.size() > last.size() && rows.compare(rows.size() - last.size(), last.size(), last) == 0);
+    CHECK_EQ_STR(ItemText(dialog, IDC_FM_SUMMARY),
+                 "97155 bytes in 255 files\nrequire 33423360 bytes on disk\n8556511232 bytes free");
+    CHECK(big.LockOwner() == nullptr);
+}
+
 // --- copying -----------------------------------------------------------------
 
 void TestCopy(CSimDevice* sim) {
@@ -984,6 +1007,7 @@ void TestFileManagerWindow() {
         {"layout", TestLayoutAndStates}, {"refresh", TestRefreshFailure},
         {"delete", TestDelete},          {"format", TestFormat},
         {"jobs", TestLocalListAndJobs},  {"properties", TestProperties},
+        {"big device", TestBigDevice},
         {"copy", TestCopy},              {"progress", TestProgressAndAbort},
         {"close", TestCloseDuringCopy},
     };
