@@ -70,9 +70,10 @@ CFileManagerDialog::CFileManagerDialog(HWND parent) : CONXDialog(IDD_FILEMANAGER
 
 CFileManagerDialog::~CFileManagerDialog() { m_LocalList.Detach(); }
 
-CFileManagerDialog::CBusy::~CBusy() {
-    CFileManagerDialog* dialog = m_pDialog;
-    if (--dialog->m_nBusy == 0 && dialog->m_bDeleteWhenIdle) delete dialog;
+CFileManagerDialog::CBusy::~CBusy() { m_pDialog->LeaveBusy(); }
+
+void CFileManagerDialog::LeaveBusy() {
+    if (--m_nBusy == 0 && m_bDeleteWhenIdle) delete this;
 }
 
 void CFileManagerDialog::Release() {
@@ -90,7 +91,7 @@ void CFileManagerDialog::Release() {
 bool CFileManagerDialog::OnInitDialog() {
     CONXDialog::OnInitDialog();
     CheckDlgButton(m_hWnd, IDC_FM_CONTINUE, m_bContinueOnError ? BST_CHECKED : BST_UNCHECKED);
-    m_LocalList.Attach(GetDlgItem(IDC_FM_LOCALLIST));
+    m_LocalList.Attach(GetDlgItem(IDC_FM_LOCALLIST), &m_KeepAlive);
     m_LocalList.InitColumns();
     CBusy busy(this);
     Refresh();

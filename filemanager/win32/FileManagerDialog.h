@@ -55,6 +55,17 @@ private:
         CFileManagerDialog* m_pDialog;
     };
 
+    // Keeps the dialog alive while the local list handles a key.
+    class CKeepAlive : public CFMKeepAlive_0 {
+    public:
+        explicit CKeepAlive(CFileManagerDialog* dialog) : m_pDialog(dialog) {}
+        void Enter() override { ++m_pDialog->m_nBusy; }
+        void Leave() override { m_pDialog->LeaveBusy(); }
+
+    private:
+        CFileManagerDialog* m_pDialog;
+    };
+
     // Keeps the dialog object alive while a handler runs.
     class CBusy {
     public:
@@ -68,6 +79,8 @@ private:
     };
 
     void* LockOwner() { return static_cast<CONXDialog*>(this); }
+    // One handler less; deletes the dialog when it was released meanwhile.
+    void LeaveBusy();
     void Error(const char* text);
     void OnCommandBusy(uint32_t id);
     void OnAddFiles();
@@ -80,6 +93,7 @@ private:
     COndFMLocalListCtrl m_LocalList;
     uint32_t m_bContinueOnError = 1;
     CView m_View{this};
+    CKeepAlive m_KeepAlive{this};
     int m_nBusy = 0;
     bool m_bDeleteWhenIdle = false;
 };

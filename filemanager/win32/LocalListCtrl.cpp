@@ -30,10 +30,11 @@ int ColumnCount(HWND list) {
 
 COndFMLocalListCtrl::~COndFMLocalListCtrl() { Detach(); }
 
-bool COndFMLocalListCtrl::Attach(HWND list) {
+bool COndFMLocalListCtrl::Attach(HWND list, CFMKeepAlive_0* keepAlive) {
     Detach();
     if (!list) return false;
     m_hWnd = list;
+    m_pKeepAlive = keepAlive;
     SetPropA(list, kSelfProperty, this);
     m_pOldProc = reinterpret_cast<WNDPROC>(
         SetWindowLongPtrA(list, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(SubclassProc)));
@@ -56,17 +57,17 @@ LRESULT CALLBACK COndFMLocalListCtrl::SubclassProc(HWND hwnd, UINT msg, WPARAM w
     auto* self = static_cast<COndFMLocalListCtrl*>(GetPropA(hwnd, kSelfProperty));
     if (!self) return DefWindowProcA(hwnd, msg, wParam, lParam);
     WNDPROC old = self->m_pOldProc;
-    try {
-        if (msg == WM_KEYDOWN && wParam == VK_SPACE) {
-            self->EditSelected();
-            return 0;
+    if (msg == WM_KEYDOWN && (wParam == VK_SPACE || wParam == VK_DELETE)) {
+        CFMKeepAlive_0* keepAlive = self->m_pKeepAlive;
+        if (keepAlive) keepAlive->Enter();
+        try {
+            if (wParam == VK_SPACE) self->EditSelected();
+            else self->RemoveSelected();
+        } catch (...) {
+            // nothing leaves a window procedure
         }
-        if (msg == WM_KEYDOWN && wParam == VK_DELETE) {
-            self->RemoveSelected();
-            return 0;
-        }
-    } catch (...) {
-        return 0;  // nothing leaves a window procedure
+        if (keepAlive) keepAlive->Leave();  // self may be gone now
+        return 0;
     }
     if (msg == WM_NCDESTROY) {
         // The control goes before the dialog object: unhook on the way.

@@ -18,6 +18,16 @@
 #include "filemanager/FMRows.h"
 #include "util/FileEntry.h"
 
+// Kept alive by its owner while a key opens modal windows (the properties
+// dialog runs the host's messages, and the host may delete the File Manager
+// meanwhile). Leave may delete the list with its owner.
+class CFMKeepAlive_0 {
+public:
+    virtual ~CFMKeepAlive_0() = default;
+    virtual void Enter() = 0;
+    virtual void Leave() = 0;
+};
+
 class COndFMLocalListCtrl {
 public:
     COndFMLocalListCtrl() = default;
@@ -25,8 +35,9 @@ public:
     COndFMLocalListCtrl& operator=(const COndFMLocalListCtrl&) = delete;
     virtual ~COndFMLocalListCtrl();
 
-    // Binds to the dialog's list control and subclasses it.
-    bool Attach(HWND list);
+    // Binds to the dialog's list control and subclasses it; keepAlive (may be
+    // null) brackets the handling of a key.
+    bool Attach(HWND list, CFMKeepAlive_0* keepAlive = nullptr);
     void Detach();
     HWND GetSafeHwnd() const { return m_hWnd; }
 
@@ -67,4 +78,5 @@ private:
     WNDPROC m_pOldProc = nullptr;
     HWND m_hNotifyWindow = nullptr;
     uint32_t m_nNotifyMessage = 0;
+    CFMKeepAlive_0* m_pKeepAlive = nullptr;
 };

@@ -986,6 +986,24 @@ void TestCloseDuringCopy(CSimDevice* sim) {
         CHECK(fm.Window() && IsWindow(fm.Window()));
     }
     sim->SetStepDelay(0);
+    {
+        // Deleted while Space has the properties dialog open.
+        auto* fm = new CTestFileManager;
+        fm->Connect(sim);
+        fm->ShowDialogNonModal(host);
+        HWND dialog = fm->Window();
+        HWND local = GetDlgItem(dialog, IDC_FM_LOCALLIST);
+        DropFiles(dialog, {slow});
+        Select(local, {0});
+        bool sawProperties = false;
+        Drive([&] { PostMessageA(local, WM_KEYDOWN, VK_SPACE, 0); }, [&] {
+            sawProperties = WaitForDialog("File properties") != nullptr;
+            SendMessageA(host, WM_TEST_DELETE, reinterpret_cast<WPARAM>(fm), 0);
+        });
+        CHECK(sawProperties);
+        CHECK(!IsWindow(dialog) && FindDialog("File properties") == nullptr);
+        CHECK(sim->LockOwner() == nullptr);
+    }
     DestroyWindow(host);
 }
 
