@@ -11,6 +11,7 @@
 
 #include "filemanager/FMRows.h"
 #include "filemanager/FMTexts.h"
+#include "filemanager/win32/ListView.h"
 #include "filemanager/win32/ProgressDialog.h"
 #include "res/OndResource.h"
 #include "util/JobFile.h"
@@ -23,29 +24,13 @@ const char kJobFilter[] = "Job files (*.dcj)\0*.dcj\0All files (*.*)\0*.*\0";
 const char kListFilter[] = "List files (*.dcj)\0*.dcj\0All files (*.*)\0*.*\0";
 const size_t kDeviceIdChars = 1024;  // of the device list's first column
 
-// The device list's columns: header, width (0: the client width less the
-// others, at least 100); all right-aligned.
-const struct {
-    const char* header;
-    int width;
-} kDeviceColumns[] = {{"File ID", 60}, {"File type", 60}, {"File size", 0}};
-const int kDeviceColumnCount = 3;
-
-int ColumnCount(HWND list) {
-    HWND header = reinterpret_cast<HWND>(SendMessageA(list, LVM_GETHEADER, 0, 0));
-    return header ? static_cast<int>(SendMessageA(header, HDM_GETITEMCOUNT, 0, 0)) : 0;
-}
-
-std::string ItemText(HWND list, int row, int column, size_t maxChars) {
-    std::string text(maxChars + 1, '\0');
-    LVITEMA item = {};
-    item.iSubItem = column;
-    item.pszText = &text[0];
-    item.cchTextMax = static_cast<int>(text.size());
-    LRESULT length = SendMessageA(list, LVM_GETITEMTEXTA, row, reinterpret_cast<LPARAM>(&item));
-    text.resize(length > 0 ? static_cast<size_t>(length) : 0);
-    return text;
-}
+// The device list's columns, all right-aligned; "File size" takes what the
+// others leave, at least 100 pixels.
+const TFMLISTCOLUMN kDeviceColumns[] = {
+    {"File ID", LVCFMT_RIGHT, 60},
+    {"File type", LVCFMT_RIGHT, 60},
+    {"File size", LVCFMT_RIGHT, 0},
+};
 
 // The paths an open-file dialog with multiple selection answered: one full
 // path, or a folder followed by names, each ended by a NUL.
@@ -197,7 +182,7 @@ void CFileManagerDialog::OnDelete() {
         row = static_cast<int>(SendMessageA(device, LVM_GETNEXTITEM, static_cast<WPARAM>(row),
                                             MAKELPARAM(LVNI_SELECTED, 0)));
         if (row < 0) break;
-        idTexts.push_back(ItemText(device, row, 0, kDeviceIdChars));
+        idTexts.push_back(FMItemText(device, row, 0, kDeviceIdChars));
     }
     ondfm::DeleteFiles(m_pDeviceComm, LockOwner(), &m_View, idTexts);
 }
@@ -307,31 +292,7 @@ EFMANSWER CFileManagerDialog::CView::AskFormat(const char* text) {
 }
 
 void CFileManagerDialog::CView::PrepareDeviceList() {
-    HWND list = m_pDialog->GetDlgItem(IDC_FM_DEVICELIST);
-    if (!list) return;
-    DWORD styles = static_cast<DWORD>(SendMessageA(list, LVM_GETEXTENDEDLISTVIEWSTYLE, 0, 0));
-    SendMessageA(list, LVM_SETEXTENDEDLISTVIEWSTYLE, 0, styles | LVS_EX_GRIDLINES | LVS_EX_FULLROWSELECT);
-    while (ColumnCount(list) > kDeviceColumnCount)
-        if (!SendMessageA(list, LVM_DELETECOLUMN, kDeviceColumnCount, 0)) break;
-    while (ColumnCount(list) < kDeviceColumnCount) {
-        LVCOLUMNA column = {};
-        column.mask = LVCF_TEXT;
-        column.pszText = const_cast<char*>("");
-        int before = ColumnCount(list);
-        SendMessageA(list, LVM_INSERTCOLUMNA, before, reinterpret_cast<LPARAM>(&column));
-        if (ColumnCount(list) == before) break;
-    }
-    RECT client;
-    GetClientRect(list, &client);
-    int last = client.right - client.left - 120;
-    for (int i = 0; i < kDeviceColumnCount; ++i) {
-        LVCOLUMNA column = {};
-        column.mask = LVCF_TEXT | LVCF_FMT | LVCF_WIDTH;
-        column.pszText = const_cast<char*>(kDeviceColumns[i].header);
-        column.fmt = LVCFMT_RIGHT;
-        column.cx = kDeviceColumns[i].width ? kDeviceColumns[i].width : (last < 100 ? 100 : last);
-        SendMessageA(list, LVM_SETCOLUMNA, i, reinterpret_cast<LPARAM>(&column));
-    }
+    FMSetUpColumns(m_pDialog->GetDlgItem(IDC_FM_DEVICELIST), kDeviceColumns, 3, 100);
 }
 
 void CFileManagerDialog::CView::SetSummary(const char* text) {

@@ -3,28 +3,20 @@
 #include <commctrl.h>
 
 #include "filemanager/win32/FilePropertiesDialog.h"
+#include "filemanager/win32/ListView.h"
 
 namespace {
 
 const char kSelfProperty[] = "OndFMLocalList";
 
-struct TColumn {
-    const char* header;
-    int format;
-    int width;  // 0: the client width less the others, at least 200
-};
-const TColumn kColumns[] = {
+// Filename takes what the others leave, at least 200 pixels.
+const TFMLISTCOLUMN kColumns[] = {
     {"Filename", LVCFMT_LEFT, 0},
     {"File ID", LVCFMT_RIGHT, 50},
     {"File type", LVCFMT_RIGHT, 50},
     {"File mode", LVCFMT_RIGHT, 50},
 };
 const int kColumnCount = 4;
-
-int ColumnCount(HWND list) {
-    HWND header = reinterpret_cast<HWND>(SendMessageA(list, LVM_GETHEADER, 0, 0));
-    return header ? static_cast<int>(SendMessageA(header, HDM_GETITEMCOUNT, 0, 0)) : 0;
-}
 
 }  // namespace
 
@@ -79,33 +71,7 @@ LRESULT CALLBACK COndFMLocalListCtrl::SubclassProc(HWND hwnd, UINT msg, WPARAM w
     return CallWindowProcA(old, hwnd, msg, wParam, lParam);
 }
 
-void COndFMLocalListCtrl::InitColumns() {
-    if (!m_hWnd) return;
-    DWORD styles = static_cast<DWORD>(SendMessageA(m_hWnd, LVM_GETEXTENDEDLISTVIEWSTYLE, 0, 0));
-    SendMessageA(m_hWnd, LVM_SETEXTENDEDLISTVIEWSTYLE, 0,
-                 styles | LVS_EX_GRIDLINES | LVS_EX_FULLROWSELECT);
-    while (ColumnCount(m_hWnd) > kColumnCount)
-        if (!SendMessageA(m_hWnd, LVM_DELETECOLUMN, kColumnCount, 0)) break;
-    while (ColumnCount(m_hWnd) < kColumnCount) {
-        LVCOLUMNA column = {};
-        column.mask = LVCF_TEXT;
-        column.pszText = const_cast<char*>("");
-        int before = ColumnCount(m_hWnd);
-        SendMessageA(m_hWnd, LVM_INSERTCOLUMNA, before, reinterpret_cast<LPARAM>(&column));
-        if (ColumnCount(m_hWnd) == before) break;
-    }
-    RECT client;
-    GetClientRect(m_hWnd, &client);
-    int first = client.right - client.left - 150;
-    for (int i = 0; i < kColumnCount; ++i) {
-        LVCOLUMNA column = {};
-        column.mask = LVCF_TEXT | LVCF_FMT | LVCF_WIDTH;
-        column.pszText = const_cast<char*>(kColumns[i].header);
-        column.fmt = kColumns[i].format;
-        column.cx = kColumns[i].width ? kColumns[i].width : (first < 200 ? 200 : first);
-        SendMessageA(m_hWnd, LVM_SETCOLUMNA, i, reinterpret_cast<LPARAM>(&column));
-    }
-}
+void COndFMLocalListCtrl::InitColumns() { FMSetUpColumns(m_hWnd, kColumns, kColumnCount, 200); }
 
 void COndFMLocalListCtrl::SetNotifyWindow(HWND window) { m_hNotifyWindow = window; }
 
@@ -115,24 +81,13 @@ void COndFMLocalListCtrl::Notify() {
     if (m_hNotifyWindow && m_nNotifyMessage) SendMessageA(m_hNotifyWindow, m_nNotifyMessage, 0, 0);
 }
 
-std::string COndFMLocalListCtrl::ItemText(int row, int column, size_t maxChars) const {
-    std::string text(maxChars + 1, '\0');
-    LVITEMA item = {};
-    item.iSubItem = column;
-    item.pszText = &text[0];
-    item.cchTextMax = static_cast<int>(text.size());
-    LRESULT length = SendMessageA(m_hWnd, LVM_GETITEMTEXTA, row, reinterpret_cast<LPARAM>(&item));
-    text.resize(length > 0 ? static_cast<size_t>(length) : 0);
-    return text;
-}
-
 TFMROW COndFMLocalListCtrl::GetRow(int row) const {
     TFMROW text;
     if (!m_hWnd) return text;
-    text.path = ItemText(row, 0, ondfm::kRowPathMax);
-    text.fileId = ItemText(row, 1, 63);
-    text.fileType = ItemText(row, 2, 63);
-    text.fileMode = ItemText(row, 3, 63);
+    text.path = FMItemText(m_hWnd, row, 0, ondfm::kRowPathMax);
+    text.fileId = FMItemText(m_hWnd, row, 1, 63);
+    text.fileType = FMItemText(m_hWnd, row, 2, 63);
+    text.fileMode = FMItemText(m_hWnd, row, 3, 63);
     return text;
 }
 

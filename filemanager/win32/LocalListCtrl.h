@@ -71,7 +71,6 @@ private:
     static LRESULT CALLBACK SubclassProc(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lParam);
     void SetRow(int row, const TFMROW& text);
     int AppendRow();
-    std::string ItemText(int row, int column, size_t maxChars) const;
     void Notify();
 
     HWND m_hWnd = nullptr;
