@@ -59,24 +59,6 @@ TEST(FMDevice, RefreshShowsSummaryAndRowsUnderTheLock) {
     ExpectUnlocked(&sim);
 }
 
-// 255 files and more than 4 GiB free: every row, and the 64-bit figure.
-TEST(FMDevice, RefreshOf255FilesWithMoreThan4GiBFree) {
-    CSimDevice::TConfig config;
-    config.blockCount = 65536;
-    config.blockSize = 131072;
-    CSimDevice sim(config);
-    for (int id = 0; id < 255; ++id) Store(&sim, uint8_t(id), uint8_t(id % 5), size_t(id) * 3);
-    CFMTestView view(&sim);
-    ondfm::RefreshDirectory(&sim, kOwner, &view);
-    ASSERT_EQ(view.entries.size(), 255u);
-    EXPECT_EQ(view.entries[254].fileId, 254);
-    EXPECT_EQ(view.entries[254].fileSize, 762u);
-    // 65536 - 255 blocks free, 131072 bytes each.
-    EXPECT_NE(view.summary.find("\n8556511232 bytes free"), std::string::npos) << view.summary;
-    EXPECT_EQ(view.summary.rfind("97155 bytes in 255 files\n", 0), 0u) << view.summary;
-    ExpectUnlocked(&sim);
-}
-
 TEST(FMDevice, AFailedReadLeavesItsMessageAndStillRebuildsTheList) {
     CSimDevice sim;
     Store(&sim, 1, 1, 1);

@@ -35,23 +35,6 @@ TEST(FMTexts, PluralRules) {
     EXPECT_EQ(ondfm::CopiedSoFar(2, 3), "2 files of 3 copied so far...");
 }
 
-TEST(FMTexts, MessagesWithTheChannelsWording) {
-    CSimDevice sim;
-    EXPECT_EQ(ondfm::DeleteFailed(7, ondfm::ErrorText(&sim, SIMDEV_ERR_FILENOTFOUND)),
-              "Could not delete file with ID 7: File not found on the device");
-    EXPECT_EQ(ondfm::FormatFailed(ondfm::ErrorText(&sim, SIMDEV_ERR_CLOSED)),
-              "Could not format device: Device is closed");
-    EXPECT_EQ(ondfm::DirectoryReadFailed(ondfm::ErrorText(&sim, SIMDEV_ERR_INJECTED)),
-              "Could not read device directory:\nSimulated device fault");
-    EXPECT_EQ(ondfm::ErrorText(nullptr, 5), "");
-    EXPECT_EQ(ondfm::FormatQuestion(),
-              "You have selected to format the device.\n"
-              "This will destroy all data stored on the device.\n\n"
-              "Yes: Format all blocks on the device\n"
-              "No: Format only the blocks that are marked as used\n"
-              "Cancel: Have mercy on me!");
-}
-
 TEST(FMTexts, CopyReportOneLinePerErrorWithoutATrailingLineFeed) {
     CSimDevice sim;
     TFILEENTRYLIST files(3);
