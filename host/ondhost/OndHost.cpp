@@ -253,15 +253,18 @@ void PlaceDialogs() {
     int left = client.x + 240;
     if (left + total > screen) left = std::max<int>(gap, screen - total - gap);
     int x = left, y = client.y + 8 + 24 * int(placed.size() % 8);
+    int rowHeight = 0;  // a window that does not fit goes below the row, not over it
     for (HWND hwnd : fresh) {
         RECT r;
         GetWindowRect(hwnd, &r);
         if (x > left && x + (r.right - r.left) > screen) {
             x = left;
-            y += 40;
+            y += rowHeight + gap;
+            rowHeight = 0;
         }
         SetWindowPos(hwnd, nullptr, x, y, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
         x += r.right - r.left + gap;
+        rowHeight = std::max<int>(rowHeight, r.bottom - r.top);
         placed.push_back(hwnd);
     }
 }

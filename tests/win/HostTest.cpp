@@ -116,11 +116,15 @@ void TestHostBadPort() {
     if (!started) return;
     HWND box = WaitForWindow(process.dwProcessId, "#32770", "ondhost");
     CHECK(box != nullptr);
+    // The box is found as soon as it exists; its text may come a moment later.
     std::string text;
-    for (HWND child = box ? GetWindow(box, GW_CHILD) : nullptr; child; child = GetWindow(child, GW_HWNDNEXT)) {
-        char cls[16] = "";
-        GetClassNameA(child, cls, sizeof cls);
-        if (_stricmp(cls, "Static") == 0 && !WindowText(child).empty()) text = WindowText(child);
+    for (int round = 0; round < 50 && box && text.empty(); ++round) {
+        for (HWND child = GetWindow(box, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
+            char cls[16] = "";
+            GetClassNameA(child, cls, sizeof cls);
+            if (_stricmp(cls, "Static") == 0 && !WindowText(child).empty()) text = WindowText(child);
+        }
+        if (text.empty()) PumpMessages(100);
     }
     std::printf("ondhost --device serial:COM97: \"%s\"\n", text.c_str());
     CHECK(text.rfind("The serial port cannot be opened:\ncannot open COM97: ", 0) == 0);
@@ -157,6 +161,13 @@ void TestHostFileManager() {
     HWND fm = WaitForWindow(process.dwProcessId, "#32770", "File manager");
     CHECK(host && fm);
     if (fm) {
+        // Beside the other two windows, over none of them.
+        for (const char* other : {"Terminal", "Script processor"}) {
+            HWND window = WaitForWindow(process.dwProcessId, "#32770", other);
+            RECT a, b, overlap;
+            CHECK(window && GetWindowRect(fm, &a) && GetWindowRect(window, &b) &&
+                  !IntersectRect(&overlap, &a, &b));
+        }
         HWND device = GetDlgItem(fm, IDC_FM_DEVICELIST);
         CHECK(SendMessageA(device, LVM_GETITEMCOUNT, 0, 0) == 3);
         CHECK_EQ_STR(ItemText(fm, IDC_FM_SUMMARY),
