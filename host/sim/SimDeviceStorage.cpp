@@ -1,4 +1,7 @@
 // The simulated device's storage: file transfers, directory, delete, format.
+#include <chrono>
+#include <thread>
+
 #include "host/sim/SimDevice.h"
 #include "util/OutOfMemory.h"
 #include "util/WholeFile.h"
@@ -112,7 +115,7 @@ int32_t CSimDevice::Store(std::string data, uint8_t fileId, uint8_t fileType,
     }
     // The callback runs without our mutex: it may well call the channel again.
     for (uint64_t step = 0; step <= steps; ++step) {
-        if (delayMs) OsSleep(delayMs);
+        if (delayMs) std::this_thread::sleep_for(std::chrono::milliseconds(delayMs));
         if (callback && callback(context, static_cast<uint32_t>(step)) != 0)
             return SIMDEV_ERR_ABORTED;
     }
