@@ -6,6 +6,7 @@
 
 #include "filemanager/FMRows.h"
 #include "filemanager/FMTexts.h"
+#include "frame/win32/Controls.h"
 #include "res/OndResource.h"
 
 namespace {
@@ -17,14 +18,6 @@ const struct {
     uint32_t mode;
 } kModes[] = {{"normal", FILEMODE_NORMAL}, {"bit reverse", FILEMODE_BITREVERSE},
               {"program", FILEMODE_PROGRAM}};
-
-std::string Text(HWND control) {
-    int length = GetWindowTextLengthA(control);
-    std::string text(static_cast<size_t>(length > 0 ? length : 0) + 1, '\0');
-    length = GetWindowTextA(control, &text[0], length + 1);
-    text.resize(static_cast<size_t>(length > 0 ? length : 0));
-    return text;
-}
 
 void SetNumber(HWND dialog, uint32_t id, uint8_t value) {
     char text[8];
@@ -85,7 +78,7 @@ void CFMFilePropertiesDialog::ApplyModeDependency() {
 
 bool CFMFilePropertiesDialog::ReadNumber(uint32_t editId, const char* message, uint8_t stored,
                                          uint8_t* value) {
-    if (ondfm::ReadPropertyNumber(Text(GetDlgItem(editId)).c_str(), value)) return true;
+    if (ondfm::ReadPropertyNumber(ControlText(GetDlgItem(editId)).c_str(), value)) return true;
     MessageBoxA(m_hWnd, message, ondfm::kCaptionError, MB_OK);
     SetNumber(m_hWnd, editId, stored);
     return false;

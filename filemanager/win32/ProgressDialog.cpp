@@ -39,7 +39,7 @@ private:
 
 }  // namespace
 
-CProgressDialog::~CProgressDialog() { JoinWorker(); }
+CProgressDialog::~CProgressDialog() { m_Run.Close(); }
 
 void CProgressDialog::Setup(COndDeviceComm_0* channel, const TFILEENTRYLIST& files,
                             bool continueOnError) {
@@ -58,21 +58,32 @@ bool CProgressDialog::OnInitDialog() {
     SendMessageA(GetDlgItem(IDC_PROG_FILE), PBM_SETRANGE32, 0, 100);
     m_nAbortRequested = 0;
     m_hRunWindow = m_hWnd;
-    m_bWorkerRunning = m_Worker.Start(kWorkerStackBytes, Worker, this);
-    if (!m_bWorkerRunning) PostMessageA(m_hWnd, WM_CLOSE, 0, 0);  // nothing runs: end at once
+    if (!m_Run.Start(kWorkerStackBytes)) PostMessageA(m_hWnd, WM_CLOSE, 0, 0);  // nothing runs
     return true;
 }
 
-void CProgressDialog::Worker(void* dialog) {
-    auto* self = static_cast<CProgressDialog*>(dialog);
+uint32_t CProgressDialog::RunWork() noexcept {
     try {
-        self->m_nResult = ondfm::RunCopyLoop(self->m_pChannel, self->m_Files,
-                                             self->m_bContinueOnError, self, &self->m_Errors);
+        return static_cast<uint32_t>(
+            ondfm::RunCopyLoop(m_pChannel, m_Files, m_bContinueOnError, this, &m_Errors));
     } catch (...) {
-        self->m_nResult = EONX_ERR_OUTOFMEMORY;
-        self->CopyEnded();
+        return EONX_ERR_OUTOFMEMORY;
     }
 }
+
+// The window's close is the run's end message.
+bool CProgressDialog::PostEnd(uint32_t) {
+    return IsWindow(m_hRunWindow) && PostMessageA(m_hRunWindow, WM_CLOSE, 0, 0);
+}
+
+void CProgressDialog::RequestStop() { m_nAbortRequested = 1; }
+
+// The worker waits for nothing of the window: a plain wait.
+bool CProgressDialog::WaitForWorker(COsThread* worker, uint32_t timeoutMs) {
+    return worker->Wait(timeoutMs);
+}
+
+void CProgressDialog::Abandon() {}  // no question is ever open on the worker
 
 void CProgressDialog::FileStarted(uint32_t percent, size_t index) {
     if (IsWindow(m_hRunWindow))
@@ -89,9 +100,7 @@ void CProgressDialog::FileProgress(uint32_t stepsDone) {
 
 bool CProgressDialog::AbortRequested() { return m_nAbortRequested.load() != 0; }
 
-void CProgressDialog::CopyEnded() {
-    if (IsWindow(m_hRunWindow)) PostMessageA(m_hRunWindow, WM_CLOSE, 0, 0);
-}
+void CProgressDialog::CopyEnded() {}  // the run controller posts the end
 
 bool CProgressDialog::OnMessage(uint32_t message, uintptr_t wParam, intptr_t lParam,
                                 intptr_t* result) {
@@ -112,7 +121,7 @@ bool CProgressDialog::OnMessage(uint32_t message, uintptr_t wParam, intptr_t lPa
             return true;
         }
         case WM_DESTROY:
-            JoinWorker();
+            m_Run.Close();
             return false;
     }
     return CONXDialogBase::OnMessage(message, wParam, lParam, result);
@@ -135,15 +144,8 @@ void CProgressDialog::OnFileStarted(uint32_t percent, size_t index) {
     SendMessageA(GetDlgItem(IDC_PROG_TOTAL), PBM_SETPOS, percent, 0);
 }
 
-void CProgressDialog::JoinWorker() {
-    m_nAbortRequested = 1;
-    if (!m_bWorkerRunning) return;
-    m_Worker.Join();  // no time limit: the worker only posts, never waits for us
-    m_bWorkerRunning = false;
-}
-
 void CProgressDialog::OnCancel() {
-    JoinWorker();
+    m_Run.Close();  // abort requested, the worker joined; its result kept
     EndDialog(IDCANCEL);
 }
 
