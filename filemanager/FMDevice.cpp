@@ -32,22 +32,25 @@ std::vector<TDEVDIRENTRY> ReadEntries(COndDeviceComm_0* channel) {
 
 }  // namespace
 
-void ondfm::RefreshDirectory(COndDeviceComm_0* channel, void* owner, CFMDeviceView_0* view) {
-    if (!view) return;
+bool ondfm::RefreshDirectory(COndDeviceComm_0* channel, void* owner, CFMDeviceView_0* view,
+                             TDEVDIRINFO* info) {
+    if (!view) return false;
     view->PrepareDeviceList();
-    if (!channel) return;  // the list keeps its rows
-    if (!LockForUser(channel, owner, view)) return;
+    if (!channel) return false;  // the list keeps its rows
+    if (!LockForUser(channel, owner, view)) return false;
     int32_t code = channel->ReadDirectory();
     if (code != 0) {
         view->SetSummary(DirectoryReadFailed(ErrorText(channel, code)).c_str());
     } else {
-        TDEVDIRINFO info = {};
-        channel->GetDirectoryInfo(&info);
-        view->SetSummary(DirectorySummary(info).c_str());
+        TDEVDIRINFO read = {};
+        channel->GetDirectoryInfo(&read);
+        view->SetSummary(DirectorySummary(read).c_str());
+        if (info) *info = read;
     }
     // Also after a failed read: the list shows whatever count the channel reports.
     view->SetDeviceEntries(ReadEntries(channel));
     channel->Unlock(owner);
+    return code == 0;
 }
 
 void ondfm::DeleteFiles(COndDeviceComm_0* channel, void* owner, CFMDeviceView_0* view,

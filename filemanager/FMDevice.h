@@ -48,8 +48,11 @@ namespace ondfm {
 
 // Reads the device directory into the view: the summary (or the read
 // failure in its place) and the rows. Without a channel only the list's
-// columns are set up.
-void RefreshDirectory(COndDeviceComm_0* channel, void* owner, CFMDeviceView_0* view);
+// columns are set up. true when the directory was read; *info (when given)
+// then holds the numbers behind the summary, for callers that want them
+// as numbers.
+bool RefreshDirectory(COndDeviceComm_0* channel, void* owner, CFMDeviceView_0* view,
+                      TDEVDIRINFO* info = nullptr);
 
 // Deletes the files whose device-list rows are selected; idTexts are the
 // rows' first columns in list order. Asks first; a row whose text holds no

@@ -1,8 +1,14 @@
-// The console as dcsrun and dcsterm meet it (posix/, win32/).
+// The console as dcsrun, dcsterm and dcsfm meet it (posix/, win32/).
 #pragma once
 
 // Whether standard input is a terminal someone types at.
 bool ConsoleInputIsTerminal();
+
+// Whether standard output is a terminal (a progress bar can be redrawn).
+bool ConsoleOutputIsTerminal();
+
+// The width of the terminal standard output shows on; 80 when unknown.
+int ConsoleColumns();
 
 // Standard input and output take bytes as they are (no "\r\n" for "\n").
 void ConsoleBinaryStreams();

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <string>
 
+#include "host/console/ConsoleInterrupt.h"
 #include "host/console/ConsolePrompt.h"
 #include "host/dcsrun/DcsCheck.h"
 #include "host/dcsrun/DcsConsole.h"
@@ -93,9 +94,9 @@ int Main(int argc, char** argv) {
 
     // The device outlives the processor, as a host's channel outlives its clients.
     CONXScriptProcessor processor;
-    DcsStopOnInterrupt(StopScript, &processor);  // before the script thread starts
+    ConsoleStopOnInterrupt(StopScript, &processor);  // before the script thread starts
     struct TDISARM {
-        ~TDISARM() { DcsStopOnInterrupt(nullptr, nullptr); }  // before the processor goes
+        ~TDISARM() { ConsoleStopOnInterrupt(nullptr, nullptr); }  // before the processor goes
     } disarm;
     processor.Connect(device);
     CConsolePrompt prompt(options.batch);

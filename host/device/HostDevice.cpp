@@ -6,6 +6,7 @@
 
 #include "host/serial/SerialChannel.h"
 #include "host/sim/SimDevice.h"
+#include "host/sim/SimDeviceFolder.h"
 #include "util/WholeFile.h"
 
 namespace {
@@ -20,7 +21,17 @@ const char kUsage[] =
     "                               the bytes of FILE\n"
     "  --sim-receive-bytes N        preloads it with N bytes of \"0123456789\" repeated\n"
     "  --sim-talk RATE              the simulated device sends 80-byte lines without\n"
-    "                               end, RATE bytes a second (0: as fast as they are read)\n";
+    "                               end, RATE bytes a second (0: as fast as they are read)\n"
+    "  --sim-files DIR              the simulated device starts with the files of DIR:\n"
+    "                               ID-TYPE[.ext] (3-1.bin is file ID 3, type 1),\n"
+    "                               program.bin the program slot\n"
+    "  --sim-save DIR               its files are written into DIR at the end, named\n"
+    "                               the same way (files of an earlier save replaced)\n"
+    "  --sim-delay MS               each transfer step waits MS milliseconds (a slow\n"
+    "                               link: 100 steps a file)\n"
+    "  --sim-fault OP:K[:CODE]      the K-th call of operation OP (TransmitFile,\n"
+    "                               ReadDirectory, DeleteDeviceFile, FormatDevice, ...)\n"
+    "                               fails, with CODE or the simulated fault's code\n";
 
 bool ParseCount(const char* text, uint64_t* value) {
     if (!*text || *text == '-') return false;
@@ -66,11 +77,42 @@ bool ParseDevice(const std::string& device, THOSTDEVICEOPTIONS* options, std::st
     return true;
 }
 
+// "OPERATION:K[:CODE]" of --sim-fault.
+bool ParseFault(const std::string& text, THOSTDEVICEOPTIONS::TFault* fault, std::string* error) {
+    *error = "bad fault '" + text + "' for --sim-fault (OPERATION:K[:CODE], K from 1)";
+    size_t first = text.find(':');
+    if (first == std::string::npos || first == 0) return false;
+    size_t second = text.find(':', first + 1);
+    std::string call = text.substr(first + 1, second == std::string::npos ? std::string::npos
+                                                                          : second - first - 1);
+    uint64_t k = 0;
+    if (!ParseCount(call.c_str(), &k) || k == 0 || k > 0xFFFFFFFFu) return false;
+    long long code = SIMDEV_ERR_INJECTED;
+    if (second != std::string::npos) {
+        const char* digits = text.c_str() + second + 1;
+        char* end = nullptr;
+        errno = 0;
+        code = strtoll(digits, &end, 10);
+        if (!*digits || errno || *end || code < INT32_MIN || code > INT32_MAX) return false;
+    }
+    fault->operation = text.substr(0, first);
+    fault->call = uint32_t(k);
+    fault->code = int32_t(code);
+    // The device knows which operations can fail.
+    CSimDevice probe;
+    if (!probe.InjectFault(fault->operation, fault->call, fault->code)) {
+        *error = "--sim-fault: '" + fault->operation + "' is no operation that can fail";
+        return false;
+    }
+    return true;
+}
+
 }  // namespace
 
 bool IsHostDeviceOption(const std::string& name) {
     return name == "--device" || name == "--sim-receive" || name == "--sim-receive-bytes" ||
-           name == "--sim-talk";
+           name == "--sim-talk" || name == "--sim-files" || name == "--sim-save" ||
+           name == "--sim-delay" || name == "--sim-fault";
 }
 
 bool ParseHostDeviceOption(const std::string& name, const std::string& value,
@@ -78,6 +120,29 @@ bool ParseHostDeviceOption(const std::string& name, const std::string& value,
     if (name == "--device") return ParseDevice(value, options, error);
     if (name == "--sim-receive") {
         options->simReceiveFile = value;
+        return true;
+    }
+    if (name == "--sim-files" || name == "--sim-save") {
+        if (value.empty()) {
+            *error = name + " needs a folder";
+            return false;
+        }
+        (name == "--sim-files" ? options->simFilesFolder : options->simSaveFolder) = value;
+        return true;
+    }
+    if (name == "--sim-fault") {
+        THOSTDEVICEOPTIONS::TFault fault;
+        if (!ParseFault(value, &fault, error)) return false;
+        options->simFaults.push_back(fault);
+        return true;
+    }
+    if (name == "--sim-delay") {
+        uint64_t ms = 0;
+        if (!ParseCount(value.c_str(), &ms) || ms > 60000) {
+            *error = "bad time '" + value + "' for --sim-delay (0 to 60000 milliseconds)";
+            return false;
+        }
+        options->simDelayMs = uint32_t(ms);
         return true;
     }
     uint64_t* count = name == "--sim-talk" ? &options->simTalkRate : &options->simReceiveBytes;
@@ -91,8 +156,10 @@ bool ParseHostDeviceOption(const std::string& name, const std::string& value,
 
 bool CheckHostDeviceOptions(const THOSTDEVICEOPTIONS& options, std::string* error) {
     if (options.serial &&
-        (!options.simReceiveFile.empty() || options.simReceiveBytes || options.simTalk)) {
-        *error = "--sim-receive, --sim-receive-bytes and --sim-talk need the simulated device";
+        (!options.simReceiveFile.empty() || options.simReceiveBytes || options.simTalk ||
+         !options.simFilesFolder.empty() || !options.simSaveFolder.empty() ||
+         options.simDelayMs || !options.simFaults.empty())) {
+        *error = "the --sim- options need the simulated device";
         return false;
     }
     return true;
@@ -138,5 +205,18 @@ EHOSTDEVICEOPEN CHostDevice::Open(const THOSTDEVICEOPTIONS& options, std::string
         m_sim->PreloadReceive(bytes);
     }
     if (options.simTalk) m_sim->SetReceiveStream(HostDeviceTalkLine(), options.simTalkRate);
+    if (!options.simFilesFolder.empty() && !LoadSimFolder(m_sim.get(), options.simFilesFolder, error))
+        return HOSTDEVICE_NOFILE;
+    // After the preload: faults count the program's own calls, and the
+    // preload is not slowed.
+    for (const THOSTDEVICEOPTIONS::TFault& fault : options.simFaults)
+        m_sim->InjectFault(fault.operation, fault.call, fault.code);
+    m_sim->SetStepDelay(options.simDelayMs);
+    m_simSaveFolder = options.simSaveFolder;
     return HOSTDEVICE_OPENED;
+}
+
+bool CHostDevice::SaveSimFiles(std::string* error) {
+    if (!m_sim || m_simSaveFolder.empty()) return true;
+    return SaveSimFolder(m_sim.get(), m_simSaveFolder, error);
 }

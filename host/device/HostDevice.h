@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "frame/OndDeviceComm.h"
 
@@ -22,10 +23,19 @@ struct THOSTDEVICEOPTIONS {
     uint64_t simReceiveBytes = 0; // that many bytes of "0123456789" preloaded
     bool simTalk = false;         // a stream of lines without end
     uint64_t simTalkRate = 0;     // its bytes per second; 0 = as fast as read
+    std::string simFilesFolder;   // its storage preloaded from a folder
+    std::string simSaveFolder;    // its storage written out at the end
+    uint32_t simDelayMs = 0;      // before every transfer step
+    struct TFault {
+        std::string operation;  // as the interface names it ("TransmitFile")
+        uint32_t call;          // the k-th call from the start, 1-based
+        int32_t code;
+    };
+    std::vector<TFault> simFaults;
 };
 
 // Whether name ("--device", ...) is one of the device options; they all take
-// a value.
+// a value. Options of the simulated device begin with "--sim-".
 bool IsHostDeviceOption(const std::string& name);
 // Takes one device option's value; false with *error (one line) when it is bad.
 bool ParseHostDeviceOption(const std::string& name, const std::string& value,
@@ -42,7 +52,7 @@ std::string HostDeviceTalkLine();
 enum EHOSTDEVICEOPEN {
     HOSTDEVICE_OPENED,
     HOSTDEVICE_NOPORT,  // the serial port cannot be opened (*error says why)
-    HOSTDEVICE_NOFILE,  // the file to preload cannot be read
+    HOSTDEVICE_NOFILE,  // a file or folder to preload cannot be read or used
 };
 
 // Owns the channel the options name.
@@ -56,8 +66,12 @@ public:
     EHOSTDEVICEOPEN Open(const THOSTDEVICEOPTIONS& options, std::string* error);
     COndDeviceComm_0* Channel() const;
     CSimDevice* Sim() const { return m_sim.get(); }  // null for a serial port
+    // Writes the simulated device's files into the --sim-save folder, when
+    // one was named; false with *error when they cannot be written.
+    bool SaveSimFiles(std::string* error);
 
 private:
+    std::string m_simSaveFolder;
     std::unique_ptr<CSimDevice> m_sim;
     std::unique_ptr<CSerialChannel> m_serial;
 };

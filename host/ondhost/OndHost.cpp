@@ -69,7 +69,6 @@ struct THost {
     HWND log = nullptr;
     UINT exitAfter = 0;
     std::string runScript;  // full path; empty: none
-    uint32_t simDelay = 0;  // ms before each progress step of a simulated transfer
 } g_host;
 
 // The Script Processor window's "pick this script (and run it)" message.
@@ -416,9 +415,6 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int show) {
             DWORD length = GetFullPathNameA(value.c_str(), MAX_PATH, full, nullptr);
             g_host.runScript = length > 0 && length < MAX_PATH ? full : value;
             ++i;
-        } else if (arg == "--sim-delay" && !value.empty()) {
-            g_host.simDelay = uint32_t(std::strtoul(value.c_str(), nullptr, 10));
-            ++i;
         } else if (arg == "--exit-after" && !value.empty()) {
             g_host.exitAfter = UINT(std::strtoul(value.c_str(), nullptr, 10));
             ++i;
@@ -429,8 +425,6 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int show) {
         }
     }
     if (!CheckHostDeviceOptions(deviceOptions, &error)) return Fail(("ondhost: " + error).c_str());
-    if (deviceOptions.serial && g_host.simDelay)
-        return Fail("ondhost: --sim-delay needs the simulated device");
 
     // The device first: it outlives every object of the module.
     CHostDevice device;
@@ -444,10 +438,8 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int show) {
     }
     g_host.channel = device.Channel();
     g_host.sim = device.Sim();
-    if (g_host.sim) {
-        PreloadDevice(g_host.sim);
-        g_host.sim->SetStepDelay(g_host.simDelay);
-    }
+    // --sim-delay (a device option) is in force already: two steps a file.
+    if (g_host.sim) PreloadDevice(g_host.sim);
 
     if (!LoadModule(dllPath)) return Fail(("Cannot load " + dllPath).c_str());
 

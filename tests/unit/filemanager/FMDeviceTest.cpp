@@ -46,10 +46,15 @@ TEST(FMDevice, RefreshShowsSummaryAndRowsUnderTheLock) {
     Store(&sim, 3, 7, 5000);
     Store(&sim, 1, 2, 10);
     CFMTestView view(&sim);
-    ondfm::RefreshDirectory(&sim, kOwner, &view);
+    TDEVDIRINFO info = {};
+    EXPECT_TRUE(ondfm::RefreshDirectory(&sim, kOwner, &view, &info));
     EXPECT_EQ(view.Kinds(), "prepare|summary|entries|");
     EXPECT_EQ(view.summary,
               "5010 bytes in 2 files\nrequire 12288 bytes on disk\n1036288 bytes free");
+    EXPECT_EQ(info.fileCount, 2u);
+    EXPECT_EQ(info.bytesInFiles, 5010u);
+    EXPECT_EQ(info.bytesOnDevice, 12288u);
+    EXPECT_EQ(uint64_t(info.freeFactorA) * info.freeFactorB, 1036288u);
     ASSERT_EQ(view.entries.size(), 2u);
     EXPECT_EQ(view.entries[0].fileId, 1);
     EXPECT_EQ(view.entries[1].fileId, 3);
@@ -65,7 +70,9 @@ TEST(FMDevice, AFailedReadLeavesItsMessageAndStillRebuildsTheList) {
     CFMTestView view(&sim);
     view.entries.resize(4);  // rows of an earlier refresh
     sim.InjectFault("ReadDirectory", 1);
-    ondfm::RefreshDirectory(&sim, kOwner, &view);
+    TDEVDIRINFO info = {7, 7, 7, 7, 7};
+    EXPECT_FALSE(ondfm::RefreshDirectory(&sim, kOwner, &view, &info));
+    EXPECT_EQ(info.fileCount, 7u);  // untouched: nothing was read
     EXPECT_EQ(view.Kinds(), "prepare|summary|entries|");
     EXPECT_EQ(view.summary, "Could not read device directory:\nSimulated device fault");
     EXPECT_TRUE(view.entries.empty());  // the count the channel then reports
@@ -75,7 +82,7 @@ TEST(FMDevice, AFailedReadLeavesItsMessageAndStillRebuildsTheList) {
 
 TEST(FMDevice, WithoutAChannelOnlyTheColumnsAreSetUp) {
     CFMTestView view(nullptr);
-    ondfm::RefreshDirectory(nullptr, kOwner, &view);
+    EXPECT_FALSE(ondfm::RefreshDirectory(nullptr, kOwner, &view));
     ondfm::FormatDevice(nullptr, kOwner, &view);
     view.answers = {FM_ANSWER_YES};
     ondfm::DeleteFiles(nullptr, kOwner, &view, {"1"});
@@ -96,7 +103,7 @@ TEST(FMDevice, ALockedChannelEndsEveryActionWithTheMessage) {
     uint64_t unlocks = sim.CallCount("Unlock");
     {
         COtherOwner script(&sim);
-        ondfm::RefreshDirectory(&sim, kOwner, &view);
+        EXPECT_FALSE(ondfm::RefreshDirectory(&sim, kOwner, &view));
     }
     calls += 2;  // the other owner's Lock and Unlock
     for (uint32_t k = 1; k <= 3; ++k) sim.InjectFault("Lock", k, SIMDEV_ERR_LOCKED);

@@ -1,0 +1,184 @@
+// The simulated device's storage as a folder: the naming rule, loading a
+// folder, saving it back (what an earlier save left is replaced, other files
+// stay) and the refusals.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstdio>
+#include <filesystem>
+#include <random>
+#include <string>
+
+#include "host/sim/SimDevice.h"
+#include "host/sim/SimDeviceFolder.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class SimFolder : public ::testing::Test {
+protected:
+    SimFolder() {
+        static std::atomic<int> serial{0};
+        std::random_device random;
+        dir = fs::temp_directory_path() /
+              ("ondsimfolder_" + std::to_string(random()) + "_" + std::to_string(serial++));
+        fs::create_directories(dir);
+    }
+    ~SimFolder() override {
+        std::error_code ec;
+        fs::remove_all(dir, ec);
+    }
+    void Write(const std::string& name, const std::string& bytes) {
+        FILE* f = std::fopen((dir / name).string().c_str(), "wb");
+        ASSERT_NE(f, nullptr);
+        std::fwrite(bytes.data(), 1, bytes.size(), f);
+        std::fclose(f);
+    }
+    std::string Read(const fs::path& path) {
+        std::string bytes;
+        FILE* f = std::fopen(path.string().c_str(), "rb");
+        if (!f) return "<none>";
+        int c;
+        while ((c = std::fgetc(f)) != EOF) bytes += char(c);
+        std::fclose(f);
+        return bytes;
+    }
+    std::string Names(const fs::path& folder) {
+        std::vector<std::string> names;
+        for (const auto& e : fs::directory_iterator(folder)) names.push_back(e.path().filename().string());
+        std::sort(names.begin(), names.end());
+        std::string all;
+        for (const std::string& n : names) all += n + " ";
+        return all;
+    }
+    std::string Stored(CSimDevice* sim, uint8_t id, uint8_t* type = nullptr) {
+        CSimDevice::TStoredFile f;
+        if (!sim->GetStoredFile(id, &f)) return "<none>";
+        if (type) *type = f.fileType;
+        return f.data;
+    }
+    fs::path dir;
+};
+
+}  // namespace
+
+TEST(SimFileName, TheNamingRule) {
+    const struct {
+        const char* name;
+        bool ok, program;
+        int id, type;
+    } cases[] = {
+        {"3-1.bin", true, false, 3, 1},
+        {"003-001", true, false, 3, 1},
+        {"12-0-config.txt", true, false, 12, 0},
+        {"255-255.x", true, false, 255, 255},
+        {"0-7_a", true, false, 0, 7},
+        {"program.bin", true, true, 0, 0},
+        {"Program", true, true, 0, 0},
+        {"PROGRAM.rbf", true, true, 0, 0},
+        {"programs.bin", false, false, 0, 0},
+        {"256-1.bin", false, false, 0, 0},
+        {"3-256.bin", false, false, 0, 0},
+        {"3-.bin", false, false, 0, 0},
+        {"-1.bin", false, false, 0, 0},
+        {"3_1.bin", false, false, 0, 0},
+        {"3.bin", false, false, 0, 0},
+        {"firmware.bin", false, false, 0, 0},
+        {"", false, false, 0, 0},
+    };
+    for (const auto& c : cases) {
+        TSIMFILENAME parsed;
+        parsed.fileId = 99;
+        EXPECT_EQ(ParseSimFileName(c.name, &parsed), c.ok) << c.name;
+        if (!c.ok) continue;
+        EXPECT_EQ(parsed.program, c.program) << c.name;
+        if (!c.program) {
+            EXPECT_EQ(parsed.fileId, c.id) << c.name;
+            EXPECT_EQ(parsed.fileType, c.type) << c.name;
+        }
+    }
+    EXPECT_EQ(SimFileName(3, 1), "003-1.bin");
+    EXPECT_EQ(SimFileName(255, 12), "255-12.bin");
+    EXPECT_TRUE(ParseSimFileName(SimFileName(0, 0), nullptr));
+}
+
+TEST_F(SimFolder, LoadsFilesAndTheProgramAndSavesThemBack) {
+    Write("3-1.bin", "hello");
+    Write("12-7-config.txt", std::string(5000, 'c'));
+    Write("0-0", "");
+    Write("program.bin", "image");
+    Write(".hidden", "passed over");
+    fs::create_directories(dir / "sub");
+    CSimDevice sim;
+    std::string error;
+    ASSERT_TRUE(LoadSimFolder(&sim, dir.string(), &error)) << error;
+    uint8_t type = 0;
+    EXPECT_EQ(Stored(&sim, 3, &type), "hello");
+    EXPECT_EQ(type, 1);
+    EXPECT_EQ(Stored(&sim, 12, &type), std::string(5000, 'c'));
+    EXPECT_EQ(type, 7);
+    EXPECT_EQ(Stored(&sim, 0), "");
+    EXPECT_TRUE(sim.HasProgram());
+    EXPECT_EQ(sim.ProgramImage(), "image");
+    EXPECT_EQ(sim.FreeBlocks(), 256u - 1 - 2 - 1);
+
+    // A bit-reversed file is saved as the device holds it and loads back the same.
+    ASSERT_EQ(sim.TransmitFileFromMemory("\x01", 1, 9, 2, SIMDEV_MODE_BITREVERSE, nullptr, nullptr,
+                                         1, 1),
+              0);
+    ASSERT_EQ(sim.DeleteDeviceFile(3), 0);
+    fs::path out = dir / "out";
+    ASSERT_TRUE(SaveSimFolder(&sim, out.string(), &error)) << error;
+    EXPECT_EQ(Names(out), "000-0.bin 009-2.bin 012-7.bin program.bin ");
+    EXPECT_EQ(Read(out / "009-2.bin"), "\x80");
+    CSimDevice again;
+    ASSERT_TRUE(LoadSimFolder(&again, out.string(), &error)) << error;
+    EXPECT_EQ(Stored(&again, 9), "\x80");
+    EXPECT_EQ(Stored(&again, 12), std::string(5000, 'c'));
+    EXPECT_EQ(again.ProgramImage(), "image");
+}
+
+TEST_F(SimFolder, ASaveReplacesWhatTheRuleNamesAndKeepsOtherFiles) {
+    Write("3-1.bin", "three");
+    Write("program.bin", "old image");
+    Write("notes.txt", "mine");
+    CSimDevice sim;
+    ASSERT_EQ(sim.TransmitFileFromMemory("four", 4, 4, 1, 0, nullptr, nullptr, 1, 1), 0);
+    std::string error;
+    ASSERT_TRUE(SaveSimFolder(&sim, dir.string(), &error)) << error;
+    EXPECT_EQ(Names(dir), "004-1.bin notes.txt ");
+    EXPECT_EQ(Read(dir / "notes.txt"), "mine");
+}
+
+TEST_F(SimFolder, RefusesWhatTheRuleDoesNotCover) {
+    const struct {
+        std::vector<std::pair<std::string, std::string>> files;
+        const char* message;
+    } cases[] = {
+        {{{"3-1.bin", "a"}, {"firmware.bin", "b"}}, "firmware.bin is not named as a device file"},
+        {{{"3-1.bin", "a"}, {"003-2.bin", "b"}}, "003-2.bin and 3-1.bin are both file ID 3"},
+        {{{"program", "a"}, {"program.bin", "b"}}, "program and program.bin are both the program"},
+        {{{"1-1.bin", std::string(300, 'x')}}, "1-1.bin: Not enough free space on the device"},
+    };
+    for (const auto& c : cases) {
+        std::error_code ec;
+        for (const auto& e : fs::directory_iterator(dir)) fs::remove(e.path(), ec);
+        for (const auto& f : c.files) Write(f.first, f.second);
+        CSimDevice::TConfig small;
+        small.blockCount = 4;
+        small.blockSize = 64;
+        CSimDevice sim(small);
+        std::string error;
+        EXPECT_FALSE(LoadSimFolder(&sim, dir.string(), &error));
+        EXPECT_NE(error.find(c.message), std::string::npos) << error;
+    }
+    CSimDevice sim;
+    std::string error;
+    EXPECT_FALSE(LoadSimFolder(&sim, (dir / "missing").string(), &error));
+    EXPECT_NE(error.find("cannot read the folder"), std::string::npos) << error;
+    // A folder that cannot be made.
+    Write("plain", "x");
+    EXPECT_FALSE(SaveSimFolder(&sim, (dir / "plain" / "below").string(), &error));
+}
