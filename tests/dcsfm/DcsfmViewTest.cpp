@@ -1,6 +1,7 @@
-// dcsfm's view of the File Manager's actions against the simulated device:
-// the questions as the console asks them, the copy with its progress lines,
-// report and abort, the bar on a terminal, and the listing as text and JSON.
+// dcsfm's view of the File Manager's actions: the questions as the console
+// asks them, the bar on a terminal, and the listing as text and JSON. (The
+// copy's lines, report and abort are checked from the outside: DcsfmRun.cmake,
+// DcsfmPtyTest.cpp, interrupt.sh.)
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -8,7 +9,6 @@
 #include <string>
 #include <vector>
 
-#include "filemanager/FMDevice.h"
 #include "host/dcsfm/DcsfmListing.h"
 #include "host/dcsfm/DcsfmProgress.h"
 #include "host/dcsfm/DcsfmView.h"
@@ -17,8 +17,6 @@
 namespace fs = std::filesystem;
 
 namespace {
-
-int g_owner;
 
 // A stream backed by a file, read back as a whole.
 class CStream {
@@ -132,68 +130,6 @@ TEST(DcsfmView, QuestionsAsTheConsoleAsksThem) {
         EXPECT_EQ(messages.Text(), "");
         EXPECT_FALSE(view.Stopped());
     }
-}
-
-// The core's delete through the view: the window's question with its plural,
-// the first failure's text, and the view's verdict.
-TEST(DcsfmView, DeleteAsksTheWindowsQuestionAndReportsItsFailure) {
-    CSimDevice sim;
-    for (uint8_t id : {1, 2})
-        ASSERT_EQ(sim.TransmitFileFromMemory("x", 1, id, 1, 0, nullptr, nullptr, 1, 1), 0);
-    CStream input("y\n"), messages;
-    TDCSFMVIEWSETUP setup;
-    setup.channel = &sim;
-    setup.answers = input.File();
-    setup.messages = messages.File();
-    CDcsfmView view(setup);
-    ondfm::DeleteFiles(&sim, &g_owner, &view, {"1", "7", "2"});
-    EXPECT_EQ(messages.Text(),
-              "Warning: Deleting 3 files from device, are you sure? [y/N] "
-              "Could not delete file with ID 7: File not found on the device\n");
-    EXPECT_TRUE(view.Failed());
-    EXPECT_FALSE(sim.GetStoredFile(1, nullptr));
-    EXPECT_TRUE(sim.GetStoredFile(2, nullptr));  // after the failure: kept
-}
-
-TEST_F(DcsfmCopy, PlainLinesPerFileAndTheWindowsReportAfterwards) {
-    CStream messages, progress;
-    sim.InjectFault("TransmitFile", 2);
-    CDcsfmView view(Setup(&messages, &progress));
-    view.CopyFiles(files);
-    EXPECT_EQ(progress.Text(),
-              "0 files of 3 copied so far...\nCurrently copying " + files[0].path + "\n"
-              "1 file of 3 copied so far...\nCurrently copying " + files[1].path + "\n"
-              "2 files of 3 copied so far...\nCurrently copying " + files[2].path + "\n");
-    EXPECT_EQ(messages.Text(), "Error during copying " + files[1].path + ": Simulated device fault\n");
-    EXPECT_TRUE(view.Failed());
-    EXPECT_FALSE(view.Stopped());
-    EXPECT_TRUE(sim.GetStoredFile(3, nullptr));  // continue on error, the window's default
-    EXPECT_FALSE(stop.copying);
-}
-
-TEST_F(DcsfmCopy, StopOnErrorEndsAtTheFirstFailure) {
-    CStream messages, progress;
-    sim.InjectFault("TransmitFile", 1, SIMDEV_ERR_STORAGEFULL);
-    TDCSFMVIEWSETUP setup = Setup(&messages, &progress);
-    setup.continueOnError = false;
-    CDcsfmView view(setup);
-    view.CopyFiles(files);
-    EXPECT_EQ(messages.Text(),
-              "Error during copying " + files[0].path + ": Not enough free space on the device\n");
-    EXPECT_EQ(sim.CallCount("TransmitFile"), 1u);
-}
-
-// An interrupt's request: the running transfer is asked to abort through the
-// progress callback, no further file starts; the view says it was stopped.
-TEST_F(DcsfmCopy, AnInterruptAbortsTheTransferAndStartsNoFurtherFile) {
-    CStream messages, progress;
-    stop.requested = true;
-    CDcsfmView view(Setup(&messages, &progress));
-    view.CopyFiles(files);
-    EXPECT_EQ(messages.Text(), "Error during copying " + files[0].path + ": Transfer aborted\n");
-    EXPECT_TRUE(view.Stopped());
-    EXPECT_EQ(sim.CallCount("TransmitFile"), 1u);
-    EXPECT_FALSE(sim.GetStoredFile(1, nullptr));
 }
 
 TEST_F(DcsfmCopy, OnATerminalTheBarIsRedrawnUnderTheNameLines) {
