@@ -290,6 +290,10 @@ int Main(int argc, char** argv) {
     int status = interactive ? terminal.RunInteractive(&keys) : terminal.RunPiped();
     keys.Stop();
     if (log) std::fclose(log);
+    if (!device.SaveSimFiles(&error)) {
+        std::fprintf(stderr, "dcsterm: --sim-save: %s\n", error.c_str());
+        if (status == DCSTERM_EXIT_OK) status = DCSTERM_EXIT_USAGE;
+    }
     return status;
 }
 

@@ -477,5 +477,6 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int show) {
         DispatchMessageA(&msg);
     }
     FreeLibrary(g_host.dll);  // the module removes its hook
+    if (!device.SaveSimFiles(&error)) return Fail(("ondhost: --sim-save: " + error).c_str());
     return int(msg.wParam);
 }

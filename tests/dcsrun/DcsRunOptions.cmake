@@ -108,3 +108,15 @@ expect_contains("check missing" "${err}" "dcsrun: missing.dcs: cannot open the s
 run(21 --check bad.dcs missing.dcs)
 run(2 good.dcs bad.dcs)
 expect_contains("two scripts without --check" "${err}" "more than one script given")
+
+# The simulated device from and into a folder: what a script sent is in the
+# saved folder, beside the preloaded file.
+file(MAKE_DIRECTORY ${WORK}/dev)
+file(WRITE ${WORK}/dev/3-1.bin "three")
+file(WRITE ${WORK}/send.dcs "transmitfilefromstring(\"speed\", 9, 4, 0);\n")
+run(0 --sim-files dev --sim-save saved send.dcs)
+file(GLOB saved RELATIVE ${WORK}/saved ${WORK}/saved/*)
+list(SORT saved)
+expect_equal("saved folder" "${saved}" "003-1.bin;009-4.bin")
+file(READ ${WORK}/saved/009-4.bin sent)
+expect_equal("sent file" "${sent}" "speed")
