@@ -18,8 +18,13 @@
 // fopen with the module's path rules. mode as for fopen ("rb", "wb", ...).
 FILE* OsOpenFile(const char* path, const char* mode);
 
-// Atomically puts the file at tempPath in place of destPath (which may exist).
-// false leaves destPath as it was.
+// Atomically puts the file at tempPath in place of destPath (which may
+// exist), as the same file to its users: it takes over destPath's
+// permissions (on Windows also its attributes, access list and creation
+// time). false, leaving destPath as it was, when that cannot be done, and
+// when a new file could not stand in for the old one: a name of a file with
+// further hard links, a symbolic link, anything but a plain file, a file
+// owned by another user or group or carrying an access list (POSIX).
 bool OsReplaceFile(const char* tempPath, const char* destPath);
 
 // Removes a file; false when it could not be removed.

@@ -1,75 +1,16 @@
 // Local file built-ins.
-#include <atomic>
 #include <cstdio>
 #include <string>
 
 #include "os/Platform.h"
 #include "scriptrt/FileAccess.h"
-#include "scriptrt/FileFuncsSeam.h"
 #include "scriptrt/FileNames.h"
 #include "scriptrt/SysFuncs.h"
+#include "util/FileReplace.h"
 
 namespace {
 
 const uint32_t kAllOnes = 0xFFFFFFFFu;
-
-std::atomic<int64_t> g_failAfter{-1};  // test seam: bytes left before writes fail; <0 = off
-std::atomic<unsigned> g_tempCounter{0};
-
-// fwrite with the test seam in front; returns the bytes written.
-size_t WriteBytes(FILE* f, const char* data, size_t size) {
-    int64_t left = g_failAfter.load();
-    if (left >= 0) {
-        if (static_cast<uint64_t>(left) < size) {
-            size_t done = left > 0 ? fwrite(data, 1, static_cast<size_t>(left), f) : 0;
-            g_failAfter.store(0);
-            return done;
-        }
-        g_failAfter.store(left - static_cast<int64_t>(size));
-    }
-    return fwrite(data, 1, size, f);
-}
-
-bool FileExists(const std::string& path) {
-    FILE* f = OsOpenFile(path.c_str(), "rb");
-    if (!f) return false;
-    fclose(f);
-    return true;
-}
-
-// Without an offset the file is replaced as a whole: the text goes to a new
-// file beside it, which takes the old one's place only once it is complete,
-// so a write that fails midway leaves the old file as it was. Returns the
-// bytes written; 0 when the file could not be made.
-uint32_t WriteReplacing(const std::string& path, const char* data, size_t size) {
-    // A file that exists but may not be written stays as it is, as with a plain open.
-    if (FileExists(path)) {
-        FILE* probe = OsOpenFile(path.c_str(), "r+b");
-        if (!probe) return 0;
-        fclose(probe);
-    }
-    std::string tempPath;
-    FILE* f = nullptr;
-    const unsigned stamp = static_cast<unsigned>(OsTickCount());
-    for (int attempt = 0; attempt < 100 && !f; ++attempt) {
-        char suffix[40];
-        snprintf(suffix, sizeof suffix, ".%08x%04x.tmp", stamp, g_tempCounter.fetch_add(1) & 0xFFFFu);
-        std::string candidate = path + suffix;
-        if (FileExists(candidate)) continue;
-        f = OsOpenFile(candidate.c_str(), "wb");
-        if (!f) return 0;
-        tempPath.swap(candidate);
-    }
-    if (!f) return 0;
-    size_t written = size ? WriteBytes(f, data, size) : 0;
-    bool good = written == size && fflush(f) == 0 && !ferror(f);
-    good = fclose(f) == 0 && good;
-    if (!good || !OsReplaceFile(tempPath.c_str(), path.c_str())) {
-        OsRemoveFile(tempPath.c_str());
-        return 0;
-    }
-    return static_cast<uint32_t>(written);
-}
 
 // With an offset the file is changed in place (and made if missing).
 uint32_t WriteInPlace(const std::string& path, uint32_t offset, const char* data, size_t size) {
@@ -77,7 +18,7 @@ uint32_t WriteInPlace(const std::string& path, uint32_t offset, const char* data
     if (!f) f = OsOpenFile(path.c_str(), "wb");
     if (!f) return 0;
     size_t written = 0;
-    if (ScriptSeekFile(f, offset) && size) written = WriteBytes(f, data, size);
+    if (ScriptSeekFile(f, offset) && size) written = ondutil::WriteFileBytes(f, data, size);
     // Bytes that never reached the file do not count.
     if (fflush(f) != 0) written = 0;
     if (fclose(f) != 0) written = 0;
@@ -85,12 +26,6 @@ uint32_t WriteInPlace(const std::string& path, uint32_t offset, const char* data
 }
 
 }  // namespace
-
-namespace ondscriptrt {
-void FileFuncsFailWritesAfter(int64_t bytesBeforeFailure) {
-    g_failAfter.store(bytesBeforeFailure < 0 ? -1 : bytesBeforeFailure);
-}
-}  // namespace ondscriptrt
 
 namespace ondbuiltin {
 
@@ -110,8 +45,12 @@ uint32_t WriteStringToFile(const TSCRIPTSYSCALL& call) {
     const uint64_t maxBytes = call.run ? call.run->m_limits.maxFileBytes : 0;
     const uint64_t end = (offset == kAllOnes ? 0 : offset) + static_cast<uint64_t>(size);
     if (ScriptLocalFilePath(call.run, call.Text(0), &path) && (maxBytes == 0 || end <= maxBytes)) {
-        written = offset == kAllOnes ? WriteReplacing(path, data, size)
-                                     : WriteInPlace(path, offset, data, size);
+        bool complete;
+        // Without an offset the file is replaced as a whole (a failed write
+        // leaves the old one where that can be done).
+        written = offset == kAllOnes
+                      ? static_cast<uint32_t>(ondutil::ReplaceFileContent(path.c_str(), data, size, &complete))
+                      : WriteInPlace(path, offset, data, size);
     }
     if (!call.result) return 0;
     return call.result->SetNumber(written, SCRIPT_TYPE_UINT32);

@@ -1,5 +1,4 @@
 // Job files (".dcj"): reading and writing lists of local files to copy.
-#include <atomic>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -10,27 +9,10 @@
 #include "util/JobFile.h"
 
 #include "os/Platform.h"
-#include "util/JobFileSeam.h"
+#include "util/FileReplace.h"
 #include "util/PathUtil.h"
 
 namespace {
-
-std::atomic<int64_t> g_failAfter{-1};  // test seam: bytes left before writes fail; <0 = off
-std::atomic<unsigned> g_tempCounter{0};
-
-// fwrite that reports a short write as failure, with the test seam in front.
-bool WriteAll(FILE* f, const char* data, size_t size) {
-    int64_t left = g_failAfter.load();
-    if (left >= 0) {
-        if (static_cast<uint64_t>(left) < size) {
-            if (left > 0) fwrite(data, 1, static_cast<size_t>(left), f);
-            g_failAfter.store(0);
-            return false;
-        }
-        g_failAfter.store(left - static_cast<int64_t>(size));
-    }
-    return fwrite(data, 1, size, f) == size;
-}
 
 // A number column: as sscanf("%u") reads it, 0 when no number starts the text.
 uint32_t ReadUnsigned(const std::string& text) {
@@ -52,20 +34,7 @@ std::string JobFolder(const char* jobPath) {
     return folder;
 }
 
-bool FileExists(const std::string& path) {
-    FILE* f = OsOpenFile(path.c_str(), "rb");
-    if (!f) return false;
-    fclose(f);
-    return true;
-}
-
 }  // namespace
-
-namespace ondutil {
-void JobFileFailWritesAfter(int64_t bytesBeforeFailure) {
-    g_failAfter.store(bytesBeforeFailure < 0 ? -1 : bytesBeforeFailure);
-}
-}  // namespace ondutil
 
 void ondutil::FillEntry(size_t column, std::string* text, TFILEENTRY* entry,
                                  std::string& baseFolder) {
@@ -143,53 +112,25 @@ int ondutil::LoadJobFile(const char* jobPath, std::vector<TFILEENTRY>* list) {
 
 int ondutil::SaveJobFile(const char* jobPath, std::vector<TFILEENTRY>* list) {
     if (!jobPath || !list) return 0;
-    std::string tempPath;  // set only once this call created the file
-    FILE* f = nullptr;
     try {
-        // A temporary file beside the job file, put in its place only once complete.
-        const unsigned stamp = static_cast<unsigned>(OsTickCount());
-        for (int attempt = 0; attempt < 100 && !f; ++attempt) {
-            char suffix[40];
-            snprintf(suffix, sizeof suffix, ".%08x%04x.tmp", stamp, g_tempCounter.fetch_add(1) & 0xFFFFu);
-            std::string candidate = std::string(jobPath) + suffix;
-            if (FileExists(candidate)) continue;
-            f = OsOpenFile(candidate.c_str(), "wb");
-            if (!f) return 0;
-            tempPath.swap(candidate);  // no-throw
-        }
-        if (!f) return 0;
-
         std::string jobFolder = JobFolder(jobPath);
         std::string relative;
-        std::string line;
-        bool good = true;
+        std::string text;
         for (const TFILEENTRY& entry : *list) {
             MakeRelativePath(jobFolder, entry.path, &relative);
             // "%s\t%u\t%u\t%s\n": the path as a C string (up to a NUL byte).
-            line.assign(relative.c_str());
+            text.append(relative.c_str());
             char numbers[32];
             snprintf(numbers, sizeof numbers, "\t%u\t%u\t", static_cast<unsigned>(entry.fileId),
                      static_cast<unsigned>(entry.fileType));
-            line += numbers;
-            line += FileModeText(entry.fileMode);
-            line += '\n';
-            if (!WriteAll(f, line.data(), line.size())) {
-                good = false;
-                break;
-            }
+            text += numbers;
+            text += FileModeText(entry.fileMode);
+            text += '\n';
         }
-        if (good && fflush(f) != 0) good = false;
-        if (good && ferror(f)) good = false;
-        const bool closed = fclose(f) == 0;
-        f = nullptr;
-        if (!good || !closed || !OsReplaceFile(tempPath.c_str(), jobPath)) {
-            OsRemoveFile(tempPath.c_str());
-            return 0;
-        }
-        return 1;
+        bool complete;
+        ReplaceFileContent(jobPath, text.data(), text.size(), &complete);
+        return complete ? 1 : 0;
     } catch (...) {
-        if (f) fclose(f);
-        if (!tempPath.empty()) OsRemoveFile(tempPath.c_str());
-        return 0;
+        return 0;  // out of memory before anything was written
     }
 }

@@ -1,9 +1,14 @@
 // POSIX platform services.
+#include <errno.h>
 #include <pthread.h>
 #include <stdio.h>
+#include <sys/stat.h>
 #include <sys/time.h>
 #include <time.h>
 #include <unistd.h>
+#ifdef __linux__
+#include <sys/xattr.h>
+#endif
 
 #include <climits>
 #include <string>
@@ -39,7 +44,23 @@ FILE* OsOpenFile(const char* path, const char* mode) {
 }
 
 bool OsReplaceFile(const char* tempPath, const char* destPath) {
-    return rename(NativePath(tempPath).c_str(), NativePath(destPath).c_str()) == 0;
+    const std::string temp = NativePath(tempPath), dest = NativePath(destPath);
+    struct stat old;
+    if (lstat(dest.c_str(), &old) == 0) {
+        // A rename gives the name a new file: whatever else refers to the old
+        // one (another hard link, the target of a symbolic link) keeps it.
+        if (!S_ISREG(old.st_mode) || old.st_nlink > 1) return false;
+        struct stat made;
+        if (stat(temp.c_str(), &made) != 0) return false;
+        if (made.st_uid != old.st_uid || made.st_gid != old.st_gid) return false;
+#ifdef __linux__
+        if (getxattr(dest.c_str(), "system.posix_acl_access", nullptr, 0) >= 0) return false;
+#endif
+        if (chmod(temp.c_str(), old.st_mode & 07777) != 0) return false;
+    } else if (errno != ENOENT) {
+        return false;
+    }
+    return rename(temp.c_str(), dest.c_str()) == 0;
 }
 
 bool OsRemoveFile(const char* path) { return remove(NativePath(path).c_str()) == 0; }

@@ -8,8 +8,43 @@
 
 FILE* OsOpenFile(const char* path, const char* mode) { return fopen(path, mode); }
 
+namespace {
+
+// The number of names of an existing plain file; 0 for anything else
+// (a folder, a reparse point such as a symbolic link) or when it cannot be told.
+DWORD PlainFileLinks(const char* path, DWORD attributes) {
+    if (attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT)) return 0;
+    HANDLE h = CreateFileA(path, FILE_READ_ATTRIBUTES,
+                           FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                           OPEN_EXISTING, 0, nullptr);
+    if (h == INVALID_HANDLE_VALUE) return 0;
+    BY_HANDLE_FILE_INFORMATION info;
+    DWORD links = GetFileInformationByHandle(h, &info) ? info.nNumberOfLinks : 0;
+    CloseHandle(h);
+    return links;
+}
+
+}  // namespace
+
 bool OsReplaceFile(const char* tempPath, const char* destPath) {
-    return MoveFileExA(tempPath, destPath, MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
+    DWORD attributes = GetFileAttributesA(destPath);
+    if (attributes == INVALID_FILE_ATTRIBUTES)
+        return GetLastError() == ERROR_FILE_NOT_FOUND &&
+               MoveFileExA(tempPath, destPath, MOVEFILE_WRITE_THROUGH) != 0;
+    // The new file would not be seen through the old one's other names.
+    if (PlainFileLinks(destPath, attributes) != 1) return false;
+    // ReplaceFile keeps the old file's attributes, access list and creation
+    // time. With a backup name every failure leaves both files findable:
+    // either under their own names, or the old one under the backup name,
+    // from which it goes back.
+    std::string backup = std::string(tempPath) + ".old";
+    if (ReplaceFileA(destPath, tempPath, backup.c_str(), 0, nullptr, nullptr)) {
+        DeleteFileA(backup.c_str());
+        return true;
+    }
+    if (GetLastError() == ERROR_UNABLE_TO_MOVE_REPLACEMENT_2)
+        MoveFileExA(backup.c_str(), destPath, MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH);
+    return false;
 }
 
 bool OsRemoveFile(const char* path) { return DeleteFileA(path) != 0; }

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "script/ScriptErrors.h"
-#include "scriptrt/FileFuncsSeam.h"
+#include "util/FileReplaceSeam.h"
 #include "scriptrt/FileNames.h"
 #include "tests/unit/builtins_text/BuiltinTestRun.h"
 
@@ -25,7 +25,7 @@ std::string Literal(const std::string& path) {
 class BuiltinFile : public BuiltinScratch {
 protected:
     void TearDown() override {
-        ondscriptrt::FileFuncsFailWritesAfter(-1);
+        ondutil::FileWritesFailAfter(-1);
         BuiltinScratch::TearDown();
     }
     std::string Out(const std::string& text, CONXScriptRunContext* context = nullptr) {
@@ -78,17 +78,25 @@ TEST_F(BuiltinFile, Write) {
 
 TEST_F(BuiltinFile, AFailedWriteLeavesTheOldFile) {
     Write("a.txt", "old content");
-    ondscriptrt::FileFuncsFailWritesAfter(3);
+    ondutil::FileWritesFailAfter(3);
     EXPECT_EQ(Out("print(writestringtofile(\"a.txt\", \"new and longer content\"));"), "0");
     EXPECT_EQ(Read("a.txt"), "old content");
     EXPECT_EQ(FileCount(), 1u);  // the partial file beside it is gone
     // A missing file stays missing.
-    ondscriptrt::FileFuncsFailWritesAfter(0);
+    ondutil::FileWritesFailAfter(0);
     EXPECT_EQ(Out("print(writestringtofile(\"b.txt\", \"x\"));"), "0");
     EXPECT_EQ(Read("b.txt"), "<missing>");
-    ondscriptrt::FileFuncsFailWritesAfter(-1);
+    ondutil::FileWritesFailAfter(-1);
     EXPECT_EQ(Out("print(writestringtofile(\"a.txt\", \"new\"));"), "3");
     EXPECT_EQ(Read("a.txt"), "new");
+}
+
+TEST_F(BuiltinFile, WriteThroughOneOfTwoHardLinksWritesTheSharedFile) {
+    Write("a.txt", "old content");
+    std::filesystem::create_hard_link(m_native + "/a.txt", m_native + "/b.txt");
+    EXPECT_EQ(Out("print(writestringtofile(\"a.txt\", \"new\"));"), "3");
+    EXPECT_EQ(Read("b.txt"), "new");
+    EXPECT_EQ(FileCount(), 2u);
 }
 
 TEST_F(BuiltinFile, ReadAndSize) {

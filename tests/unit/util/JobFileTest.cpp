@@ -11,7 +11,7 @@
 
 #include "os/Platform.h"
 #include "util/JobFile.h"
-#include "util/JobFileSeam.h"
+#include "util/FileReplaceSeam.h"
 #include "util/PathUtil.h"
 
 namespace fs = std::filesystem;
@@ -29,7 +29,7 @@ protected:
         ASSERT_TRUE(ondutil::IsAbsolutePath(m_dir)) << m_dir;
     }
     void TearDown() override {
-        ondutil::JobFileFailWritesAfter(-1);
+        ondutil::FileWritesFailAfter(-1);
         std::error_code ec;
         fs::remove_all(m_native, ec);
     }
@@ -289,6 +289,15 @@ TEST_F(UtilSaveJobFile, SaveEmptyListAndReplaceExisting) {
     EXPECT_EQ(FileCount(), 1u);
 }
 
+TEST_F(UtilSaveJobFile, SaveThroughOneOfTwoHardLinksWritesTheSharedFile) {
+    Write("job.dcj", "old content\n");
+    fs::create_hard_link(m_native + "/job.dcj", m_native + "/other.dcj");
+    std::vector<TFILEENTRY> list = {Entry(Path("a.bin"), 1, 2, 0)};
+    ASSERT_EQ(ondutil::SaveJobFile(Path("job.dcj").c_str(), &list), 1);
+    EXPECT_EQ(Read("other.dcj"), "a.bin\t1\t2\tnormal\n");
+    EXPECT_EQ(FileCount(), 2u);
+}
+
 TEST_F(UtilSaveJobFile, SavePathBytesVerbatimUpToANul) {
     std::vector<TFILEENTRY> list = {Entry(Path("100%s %d\xFC.bin"), 1, 2, 0),
                                     Entry(Path(std::string("cut\0tail", 8)), 3, 4, 0)};
@@ -312,9 +321,9 @@ TEST_F(UtilSaveJobFile, FailedWriteLeavesTheOldFileIntact) {
     for (int64_t n : points) {
         SCOPED_TRACE(n);
         Write("job.dcj", old);
-        ondutil::JobFileFailWritesAfter(n);
+        ondutil::FileWritesFailAfter(n);
         EXPECT_EQ(ondutil::SaveJobFile(Path("job.dcj").c_str(), &list), 0);
-        ondutil::JobFileFailWritesAfter(-1);
+        ondutil::FileWritesFailAfter(-1);
         EXPECT_EQ(Read("job.dcj"), old);
         EXPECT_EQ(FileCount(), 1u);  // the temporary is gone
     }
@@ -328,8 +337,8 @@ TEST_F(UtilSaveJobFile, FailedWriteLeavesTheOldFileIntact) {
 
 TEST_F(UtilSaveJobFile, FailedWriteOfANewFileCreatesNothing) {
     std::vector<TFILEENTRY> list = {Entry(Path("a.bin"), 1, 2, 0)};
-    ondutil::JobFileFailWritesAfter(3);
+    ondutil::FileWritesFailAfter(3);
     EXPECT_EQ(ondutil::SaveJobFile(Path("new.dcj").c_str(), &list), 0);
-    ondutil::JobFileFailWritesAfter(-1);
+    ondutil::FileWritesFailAfter(-1);
     EXPECT_EQ(FileCount(), 0u);
 }
