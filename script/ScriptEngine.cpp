@@ -88,16 +88,40 @@ CONXScriptObject* ScriptLookUpName(CONXScriptFunc* scope, TSCRIPTTOKEN* token) {
 
 uint32_t CONXScriptFunc::EnterBody(CONXScriptExecContext* context, const TSCRIPTSTMTLIST& statements) {
     if (context->StackLow()) return SCRIPT_ERR_OUTOFMEMORY;
-    CONXScriptVarStack::TMARK mark = context->vars.Mark();
-    size_t bindMark = context->BindMark();
-    // Every entry starts the body's declarations afresh, wherever they stand in it.
-    for (CONXScriptObject* local : m_locals) {
+    if (!m_declares) {
+        // Nothing to start afresh, and statements that succeed leave the
+        // stacks as they found them: a small frame, where recursion passes.
+        for (uint64_t offset : statements) {
+            uint32_t err = ExecStatement(context, offset);
+            if (err) return err;
+        }
+        return 0;
+    }
+    return EnterFrame(context, statements);
+}
+
+namespace {
+
+// Every entry starts a body's declarations afresh, wherever they stand in it.
+// Apart from EnterFrame, so that its work leaves nothing on the stack while
+// the body runs.
+__attribute__((noinline)) void StartDeclarations(CONXScriptExecContext* context,
+                                                 const TSCRIPTOBJLIST& locals) {
+    for (CONXScriptObject* local : locals) {
         if (local->KindTag() != SCRIPT_OBJ_TEMPLATE) continue;
         CONXScriptVarTemplate* tmpl = static_cast<CONXScriptVarTemplate*>(local);
         CONXScriptVariable* v = context->vars.Push();
         v->InitFrame(tmpl);
         context->Bind(&tmpl->m_pCurrent, v);
     }
+}
+
+}  // namespace
+
+uint32_t CONXScriptFunc::EnterFrame(CONXScriptExecContext* context, const TSCRIPTSTMTLIST& statements) {
+    CONXScriptVarStack::TMARK mark = context->vars.Mark();
+    size_t bindMark = context->BindMark();
+    StartDeclarations(context, m_locals);
     for (uint64_t offset : statements) {
         uint32_t err = ExecStatement(context, offset);
         if (err) return err;
@@ -121,37 +145,57 @@ uint32_t CONXScriptFunc::ExecuteStatement(CONXScriptExecContext* context, uint64
     return ExecStatement(context, offset);
 }
 
+namespace {
+
+// The "( condition )" of an if: its error code, or whether it holds. Its own
+// function, so that ExecStatement has no local whose address escapes and can
+// hand over to the chosen block by a jump: an if adds no frame to a recursion.
+const uint64_t kConditionHolds = uint64_t(1) << 32;
+__attribute__((noinline)) uint64_t IfCondition(CONXScriptExecContext* context, CONXScriptFunc* scope) {
+    uint64_t value = 0;
+    uint32_t err = Condition(context, scope, &value);
+    if (err) return err;
+    return value ? kConditionHolds : 0;
+}
+
+__attribute__((noinline)) uint32_t ExecWhile(CONXScriptExecContext* context, CONXScriptFunc* scope,
+                                             CONXScriptFunc* block, uint64_t offset) {
+    uint32_t err;
+    if (g_ScriptFastPath && ScriptRunNumericLoop(context, scope, block, offset, &err)) return err;
+    uint64_t loop = context->position;
+    TSCRIPTTOKEN* loopToken = context->Upcoming();
+    for (;;) {
+        // The only place where the engine itself looks at the stop request.
+        if (context->stopEvent && context->stopEvent->IsSet()) return SCRIPT_ERR_ABORTED;
+        if (context->Step()) return SCRIPT_ERR_ABORTED;
+        if (loopToken) context->PutBack(loopToken);
+        else context->position = loop;
+        uint64_t value = 0;
+        if ((err = Condition(context, scope, &value))) return err;
+        if ((err = ExpectPunct(context, '{'))) return err;
+        if (!value) return 0;
+        if ((err = block->EnterBody(context, block->m_statements))) return err;
+    }
+}
+
+}  // namespace
+
 uint32_t CONXScriptFunc::ExecStatement(CONXScriptExecContext* context, uint64_t offset) {
     if (context->Step()) return SCRIPT_ERR_ABORTED;
     TSCRIPTTOKEN* t = context->ReadAt(offset);
     if (t->error) return t->error;
-    uint32_t err;
     if (IsKeyword(t, SCRIPT_KW_IF)) {
         CONXScriptFunc* block = StatementObject(this, t, offset, SCRIPT_OBJ_IF);
         if (!block) return SCRIPT_ERR_UNKNOWNIDENT;
-        uint64_t value = 0;
-        if ((err = Condition(context, this, &value))) return err;
-        if (value) return block->EnterBody(context, block->m_statements);
+        const uint64_t condition = IfCondition(context, this);
+        if (uint32_t err = static_cast<uint32_t>(condition)) return err;
+        if (condition) return block->EnterBody(context, block->m_statements);
         return block->EnterBody(context, static_cast<CONXScriptIfStatement*>(block)->m_elseStatements);
     }
     if (IsKeyword(t, SCRIPT_KW_WHILE)) {
         CONXScriptFunc* block = StatementObject(this, t, offset, SCRIPT_OBJ_WHILE);
         if (!block) return SCRIPT_ERR_UNKNOWNIDENT;
-        if (g_ScriptFastPath && ScriptRunNumericLoop(context, this, block, offset, &err)) return err;
-        uint64_t loop = context->position;
-        TSCRIPTTOKEN* loopToken = context->Upcoming();
-        for (;;) {
-            // The only place where the engine itself looks at the stop request.
-            if (context->stopEvent && context->stopEvent->IsSet()) return SCRIPT_ERR_ABORTED;
-            if (context->Step()) return SCRIPT_ERR_ABORTED;
-            if (loopToken) context->PutBack(loopToken);
-            else context->position = loop;
-            uint64_t value = 0;
-            if ((err = Condition(context, this, &value))) return err;
-            if ((err = ExpectPunct(context, '{'))) return err;
-            if (!value) return 0;
-            if ((err = block->EnterBody(context, block->m_statements))) return err;
-        }
+        return ExecWhile(context, this, block, offset);
     }
     // Its first token is read already.
     return g_ScriptFastPath ? ScriptRunSimpleStatement(context, this, t) : ExecSimple(context, t);

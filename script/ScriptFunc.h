@@ -70,6 +70,7 @@ public:
     TSCRIPTOBJLIST m_locals;      // list 1, owned
     TSCRIPTOBJLIST m_outer;       // list 2, borrowed
     TSCRIPTSTMTLIST m_statements;
+    bool m_declares = false;  // m_locals holds declarations
     // A "func" parameter: the function bound to it by the running call.
     bool m_isParameter = false;
     CONXScriptObject* m_pBound = nullptr;
@@ -85,6 +86,8 @@ public:
 
     // The engine's own paths, without the virtual forwarding.
     uint32_t EnterBody(CONXScriptExecContext* context, const TSCRIPTSTMTLIST& statements);
+    __attribute__((noinline)) uint32_t EnterFrame(CONXScriptExecContext* context,
+                                                  const TSCRIPTSTMTLIST& statements);
     uint32_t ExecStatement(CONXScriptExecContext* context, uint64_t offset);
     uint32_t ExecSimple(CONXScriptExecContext* context, TSCRIPTTOKEN* first);
     uint32_t Eval(CONXScriptExecContext* context, CONXScriptVariable* result);

@@ -30,7 +30,13 @@ struct TNUMRESULT {
     uint64_t value;
 };
 
-bool Call(CONXScriptExecContext* c, TSCRIPTNUMFUNC* f, const uint64_t* args, TNUMRESULT* out);
+bool Call(CONXScriptExecContext* c, TSCRIPTNUMFUNC* f, uint64_t* slots, TNUMRESULT* out);
+
+// The variables of a call of f, made on the stack of the frame that makes the
+// call and no bigger than f needs: a level of a recursion costs the thread's
+// stack little more than its few frames.
+#define NUM_CALL_SLOTS(f) \
+    static_cast<uint64_t*>(__builtin_alloca(((f)->slotCount ? (f)->slotCount : 1) * sizeof(uint64_t)))
 
 // ---- computing nodes ----
 
@@ -95,11 +101,11 @@ bool EvalBinary(CONXScriptExecContext* c, const TNUMNODE* n, const uint64_t* slo
 // A call: the step, the arguments into the parameters' types, the call.
 bool EvalCall(CONXScriptExecContext* c, const TNUMNODE* n, const uint64_t* slots, uint64_t* value) {
     if (c->StackLow() || c->Step()) return false;
-    uint64_t args[kScriptNumMaxArgs];
+    uint64_t* callee = NUM_CALL_SLOTS(n->callee);
     for (size_t i = 0; i < n->args.size(); i++)
-        if (!Operand(c, n->args[i], slots, &args[i])) return false;
+        if (!Operand(c, n->args[i], slots, &callee[i])) return false;
     TNUMRESULT result;
-    if (!Call(c, n->callee, args, &result)) return false;
+    if (!Call(c, n->callee, callee, &result)) return false;
     *value = ScriptNormalise(n->to, result.value);
     return true;
 }
@@ -284,14 +290,14 @@ bool Run(CONXScriptExecContext* c, const std::vector<TNUMSTMT*>& list, uint64_t*
     return true;
 }
 
-bool Call(CONXScriptExecContext* c, TSCRIPTNUMFUNC* f, const uint64_t* args, TNUMRESULT* out) {
+// slots: f's variables (NUM_CALL_SLOTS), its parameters set.
+bool Call(CONXScriptExecContext* c, TSCRIPTNUMFUNC* f, uint64_t* slots, TNUMRESULT* out) {
     if (f->disabled) {
         c->numericNoValue = true;
         return false;
     }
     if (c->StackLow()) return false;
-    uint64_t slots[kScriptNumMaxSlots];
-    for (size_t i = 0; i < f->slotCount; i++) slots[i] = i < f->paramCount ? args[i] : 0;
+    for (size_t i = f->paramCount; i < f->slotCount; i++) slots[i] = 0;
     out->type = SCRIPT_TYPE_NONE;
     out->value = 0;
     bool ran = Run(c, f->body, slots, out);
@@ -332,17 +338,17 @@ bool ScriptRunNumericCall(CONXScriptExecContext* context, CONXScriptFunc* func,
     // Typed before its first run (a loop's attempt may have translated it only).
     if (f && f->typing != 3) ScriptNumType(f);
     if (!f || f->disabled || count != f->paramCount || result->Type() != SCRIPT_TYPE_NONE) return false;
-    uint64_t args[kScriptNumMaxArgs];
+    uint64_t* slots = NUM_CALL_SLOTS(f);
     for (size_t i = 0; i < count; i++) {
         CONXScriptVariable* v = static_cast<CONXScriptVariable*>(arguments[i])->Resolved();
         if (v->Type() != f->slotTypes[i]) return false;
-        args[i] = v->Number();
+        slots[i] = v->Number();
     }
     uint64_t steps = context->steps;
     TNUMRESULT value;
     context->numericNoValue = false;
     context->numericStopped = false;
-    if (!Call(context, f, args, &value)) {
+    if (!Call(context, f, slots, &value)) {
         context->numericStepsUndone += context->steps - steps;
         context->steps = steps;
         if (!context->numericNoValue) context->numericOff = true;

@@ -125,6 +125,7 @@ uint32_t CONXScriptFunc::ParseStatement(CONXScriptCursor* cursor, uint32_t depth
     if (IsKeyword(first, SCRIPT_KW_VAR)) {
         // A declaration is no statement: its variable is made when the body is entered.
         CONXScriptVarTemplate* tmpl = Adopt<CONXScriptVarTemplate>(&m_locals);
+        m_declares = true;
         if ((err = tmpl->Parse(cursor))) return err;
         const TSCRIPTTOKEN* t = cursor->Next();
         if (t->error) return t->error;

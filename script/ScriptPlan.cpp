@@ -256,14 +256,10 @@ uint32_t PlanEvalRef(CONXScriptExecContext* c, CONXScriptFunc* scope, const TPLA
     return PlanEval(c, scope, n, temp);
 }
 
-// As ScriptCallFunction, the name just read.
-uint32_t RunCall(CONXScriptExecContext* c, CONXScriptFunc* scope, const TPLANNODE* n,
-                 CONXScriptVariable* result) {
-    c->tokenStart = n->first->start;
-    if (c->StackLow()) return SCRIPT_ERR_OUTOFMEMORY;
-    if (c->Step()) return SCRIPT_ERR_ABORTED;
-    CONXScriptVarStack::TMARK mark = c->vars.Mark();
-    CONXScriptObject* args[kMaxPlanArgs];
+// Evaluates the arguments of the call n onto the run's list. A function of
+// its own, so that none of its frame stays on the stack while the callee runs.
+__attribute__((noinline)) uint32_t PushArguments(CONXScriptExecContext* c, CONXScriptFunc* scope,
+                                                 const TPLANNODE* n) {
     uint32_t err;
     for (size_t i = 0; i < n->argCount; i++) {
         CONXScriptVariable* v;
@@ -274,8 +270,32 @@ uint32_t RunCall(CONXScriptExecContext* c, CONXScriptFunc* scope, const TPLANNOD
             if (n->params[i]) v->InitFrame(n->params[i]);  // found through its declaration, unnamed
             if ((err = PlanEval(c, scope, n->args[i], v))) return err;
         }
-        args[i] = v;
+        c->arguments.push_back(v);
     }
+    return 0;
+}
+
+// Binds the parameters of the user function that n calls to args, and its
+// value to result. Apart for the same reason as PushArguments.
+__attribute__((noinline)) void BindCall(CONXScriptExecContext* c, const TPLANNODE* n,
+                                        CONXScriptObject* const* args, CONXScriptVariable* result) {
+    for (size_t i = 0; i < n->argCount; i++) c->Bind(&n->params[i]->m_pCurrent, args[i]);
+    c->Bind(&n->callee->m_pResult, result);
+}
+
+// As ScriptCallFunction, the name just read.
+uint32_t RunCall(CONXScriptExecContext* c, CONXScriptFunc* scope, const TPLANNODE* n,
+                 CONXScriptVariable* result) {
+    c->tokenStart = n->first->start;
+    if (c->StackLow()) return SCRIPT_ERR_OUTOFMEMORY;
+    if (c->Step()) return SCRIPT_ERR_ABORTED;
+    CONXScriptVarStack::TMARK mark = c->vars.Mark();
+    // The arguments go to the run's list rather than this frame: a level of
+    // a recursion then costs less stack. Taken only once all are there.
+    const size_t base = c->arguments.size();
+    uint32_t err;
+    if ((err = PushArguments(c, scope, n))) return err;
+    CONXScriptObject* const* args = c->arguments.data() + base;
     c->tokenStart = n->close->start;
     CONXScriptFunc* callee = n->callee;
     if (callee->m_isBuiltIn || callee->m_pDelegate) {
@@ -288,12 +308,12 @@ uint32_t RunCall(CONXScriptExecContext* c, CONXScriptFunc* scope, const TPLANNOD
         // value declarations matching the arguments.
         if (c->StackLow()) return SCRIPT_ERR_OUTOFMEMORY;
         size_t bindMark = c->BindMark();
-        for (size_t i = 0; i < n->argCount; i++) c->Bind(&n->params[i]->m_pCurrent, args[i]);
-        c->Bind(&callee->m_pResult, result);
+        BindCall(c, n, args, result);
         if ((err = callee->EnterBody(c, callee->m_statements))) return err;
         c->UnbindTo(bindMark);
     }
     c->PutBack(n->end);
+    c->arguments.resize(base);
     c->vars.PopTo(mark);
     return 0;
 }
