@@ -61,7 +61,7 @@ void RunJob(void* p) {
 bool Runs(const std::string& text, size_t stack, uint32_t reserve) {
     TJOB job = {text, reserve, 0};
     COsThread thread;
-    if (!thread.Start(stack, RunJob, &job)) return false;
+    if (!thread.Start(stack, RunJob, &job, OS_STACK_WHOLE)) return false;
     thread.Join();
     return job.code == 0;
 }

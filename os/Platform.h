@@ -63,7 +63,18 @@ private:
     std::atomic<bool> m_set{false};  // written under m_mutex, read without it
 };
 
-// A thread with a chosen stack size (the script worker runs on 64 KiB).
+// How a thread's stack size is meant.
+enum EOSSTACKSIZE {
+    // As thread creation takes it. POSIX makes the stack that size; Windows
+    // commits that much at first, and the stack may grow to the program's
+    // default reserve (its executable's, mostly 1 MiB), or further when the
+    // size is larger: the Script Processor's worker gets its stack this way.
+    OS_STACK_AS_CREATED = 0,
+    // The whole stack, on Windows too: a program that chooses its own (dcsrun).
+    OS_STACK_WHOLE = 1,
+};
+
+// A thread with a chosen stack size.
 class COsThread {
 public:
     typedef void (*TEntry)(void* argument);
@@ -71,7 +82,8 @@ public:
     COsThread(const COsThread&) = delete;
     COsThread& operator=(const COsThread&) = delete;
     ~COsThread();  // joins a thread still running
-    bool Start(size_t stackSize, TEntry entry, void* argument);
+    bool Start(size_t stackSize, TEntry entry, void* argument,
+               EOSSTACKSIZE meaning = OS_STACK_AS_CREATED);
     bool IsStarted() const { return m_handle != nullptr; }  // started and not joined yet
     // Waits up to timeoutMs (0xFFFFFFFF = forever) for the thread to end; true
     // when it has ended or none was started. Join still follows.

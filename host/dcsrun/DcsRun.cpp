@@ -1,7 +1,7 @@
 // dcsrun: runs one device script through CONXScriptProcessor::ExecuteScriptFile,
-// the path the plug-in's dialog takes, on a 64 KiB thread as the dialog's
-// worker does. Output goes to standard output as it comes; the exit status is
-// the Script Processor's result code. See DcsUsage() for the options.
+// the path the plug-in's dialog takes, on a thread of its own with a large
+// stack. Output goes to standard output as it comes; the exit status is the
+// Script Processor's result code. See DcsUsage() for the options.
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -20,8 +20,10 @@
 
 namespace {
 
-// The dialog's worker stack, so that a script nests as deep here as there.
-const size_t kScriptStack = 65536 * kOsStackScale;
+// The script thread's whole stack: room for a recursion some 10,000 calls
+// deep, as a command-line tool may well give. Sanitizer builds have frames
+// several times larger: they get room to match.
+const size_t kScriptStack = (size_t(16) << 20) * kOsStackScale;
 
 // One output call, one write: a "\r" progress line shows as it is drawn.
 void WriteOutput(void*, const char* text) {
@@ -111,7 +113,7 @@ int Main(int argc, char** argv) {
 
     TDCSJOB job = {&processor, options.script.c_str(), EONX_ERR_NONE};
     COsThread thread;
-    if (!thread.Start(kScriptStack, RunJob, &job)) {
+    if (!thread.Start(kScriptStack, RunJob, &job, OS_STACK_WHOLE)) {
         fprintf(stderr, "dcsrun: cannot start the script thread\n");
         return EONX_ERR_OUTOFMEMORY;
     }

@@ -151,7 +151,7 @@ void* ThreadMain(void* p) {
 }
 }  // namespace
 
-bool COsThread::Start(size_t stackSize, TEntry entry, void* argument) {
+bool COsThread::Start(size_t stackSize, TEntry entry, void* argument, EOSSTACKSIZE) {
     if (m_handle) return false;
     pthread_attr_t attr;
     if (pthread_attr_init(&attr) != 0) return false;

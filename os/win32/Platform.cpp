@@ -94,13 +94,12 @@ DWORD WINAPI ThreadMain(LPVOID p) {
 }
 }  // namespace
 
-bool COsThread::Start(size_t stackSize, TEntry entry, void* argument) {
+bool COsThread::Start(size_t stackSize, TEntry entry, void* argument, EOSSTACKSIZE meaning) {
     if (m_handle) return false;
     auto* start = new (std::nothrow) TThreadStart{entry, argument};
     if (!start) return false;
-    // The size is the reserve, not the commit: the thread really has no more.
     HANDLE h = CreateThread(nullptr, stackSize, ThreadMain, start,
-                            STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr);
+                            meaning == OS_STACK_WHOLE ? STACK_SIZE_PARAM_IS_A_RESERVATION : 0, nullptr);
     if (!h) {
         delete start;
         return false;

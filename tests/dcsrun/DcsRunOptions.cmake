@@ -60,6 +60,15 @@ run(21 ${SCRIPTS}/fails.dcs)
 expect_equal("failing script" "${out}"
              "before\nDivision by 0 error near line 2/column 12 (offset 30) during executing\n")
 
+# The script thread's stack: 10,000 calls deep, and far deeper a clean failure.
+run(0 --set Depth=dword:10000 ${SCRIPTS}/deep.dcs)
+expect_equal("deep recursion" "${out}" "10000\n")
+run(21 --set Depth=dword:1000000 ${SCRIPTS}/deep.dcs)
+string(FIND "${out}" "out of memory error near line 2/column " at)
+if(NOT at EQUAL 0)
+  message(SEND_ERROR "too deep a recursion: [${out}]")
+endif()
+
 # exit() is a success.
 run(0 ${SCRIPTS}/exits.dcs)
 expect_equal("exit" "${out}" "leaving\n")

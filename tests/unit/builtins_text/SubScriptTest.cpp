@@ -117,11 +117,11 @@ TEST_F(BuiltinSubScript, SelfCallingSubScriptRunsOutOfStackCleanly) {
         std::string directory;
         TBUILTINRUN run;
     } job = {m_dir, {}};
-    COsThread worker;  // the Script Processor's worker stack
+    COsThread worker;  // a small stack: the end comes soon
     ASSERT_TRUE(worker.Start(65536, [](void* p) {
         TJOB* j = static_cast<TJOB*>(p);
         j->run = BuiltinRun("executesubscript(\"self.dcs\");", j->directory);
-    }, &job));
+    }, &job, OS_STACK_WHOLE));
     worker.Join();
     EXPECT_EQ(job.run.code, SCRIPT_ERR_OUTOFMEMORY);
     EXPECT_NE(job.run.output.find("in subscript \"self.dcs\"\n"), std::string::npos);

@@ -181,7 +181,7 @@ TEST(ScriptEngine, FailedNativeRunsAreNotRetriedAtEveryLevel) {
         ASSERT_TRUE(thread.Start((size_t(16) << 20) * kOsStackScale, [](void* p) {
             TJOB* j = static_cast<TJOB*>(p);
             j->result = ScriptTestRun(j->text, &j->context);
-        }, &job));
+        }, &job, OS_STACK_WHOLE));
         thread.Join();
         EXPECT_EQ(job.result.code, c.code) << c.text;
         EXPECT_EQ(job.result.output.rfind(c.output, 0), 0u) << job.result.output;

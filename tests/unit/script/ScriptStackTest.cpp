@@ -1,5 +1,6 @@
-// Stack safety: on the Script Processor's 64 KiB worker stack, deep recursion
-// and deep nesting end the run with "out of memory error" instead of crashing.
+// Stack safety: deep recursion and deep nesting end the run with "out of
+// memory error" instead of crashing (on a small stack, where the end comes
+// soon), and a recursion a thousand deep fits the stack a host's thread has.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -30,7 +31,7 @@ TSCRIPTTESTRUN RunOnWorkerStack(const std::string& text, size_t stack = 65536,
         CONXScriptRunContext context;
         context.m_limits.stackReserveBytes = j->reserve;
         j->result = ScriptTestRun(j->text, &context);
-    }, &job));
+    }, &job, OS_STACK_WHOLE));
     thread.Join();
     return job.result;
 }
@@ -83,6 +84,19 @@ TEST(ScriptStack, DeepNestingInTheSource) {
     ExpectOutOfStack(RunOnWorkerStack("var int32 x; x = " + Repeat("- ", 100000) + "1;"), nullptr);
     ExpectOutOfStack(RunOnWorkerStack("var int32 x; x = 1" + Repeat(" + 1", 100000) + ";"), nullptr);
     ExpectOutOfStack(RunOnWorkerStack(Repeat("func f() { ", 100000) + Repeat("} ", 100000)), "parsing");
+}
+
+TEST(ScriptStack, AThousandLevelsFitAMebibyte) {
+    // Of numbers only (run natively), and with a string (the ordinary path).
+    const char* kinds[] = {"", "var string s; "};
+    for (const char* kind : kinds) {
+        std::string f = std::string("func f(var int64 n) { var int64 r; ") + kind +
+                        "r = 0; if (n > 0) { r = 1 + f(n - 1); } f = r; }\n";
+        TSCRIPTTESTRUN r = RunOnWorkerStack(f + "print(f(1000));", 1 << 20);
+        EXPECT_EQ(r.code, 0u) << kind << r.output;
+        EXPECT_EQ(r.output, "1000");
+        ExpectOutOfStack(RunOnWorkerStack(f + "print(f(100000));", 1 << 20), "executing");
+    }
 }
 
 TEST(ScriptStack, OrdinaryDepthStillWorks) {
