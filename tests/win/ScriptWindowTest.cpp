@@ -482,6 +482,33 @@ void TestOperatorDialogs(CSimDevice* sim) {
     CHECK(processor.GetRunContext()->m_pOperator == nullptr);
 }
 
+// A thousand calls deep on the worker thread; far deeper the run ends with
+// the engine's diagnostic, and the window stays.
+void TestDeepRecursion(CSimDevice* sim) {
+    CTestProcessor processor;
+    processor.Connect(sim);
+    processor.ShowDialogNonModal(TestHostWindow());
+    HWND dialog = processor.Window();
+    if (!dialog) return;
+    const char* f = "func f(var int64 n) { var int64 r; var string s; r = 0;"
+                    " if (n > 0) { r = 1 + f(n - 1); } f = r; }\n";
+    Browse(dialog, WriteScript("deep.dcs", (std::string(f) + "print(f(1000), \"\\n\");\n").c_str()));
+    CHECK(RunToEnd(dialog));
+    HWND log = GetDlgItem(dialog, IDC_SP_LOG);
+    CHECK_EQ_STR(Joined(ListLines(log)), "1000|");
+
+    Browse(dialog, WriteScript("deeper.dcs", (std::string(f) + "print(f(1000000));\n").c_str()));
+    TAnswer failed("Error");
+    StartAnswer(&failed);
+    Click(dialog, IDC_SP_EXECUTE);
+    CHECK(EndAnswer(&failed));
+    CHECK(failed.seenText.rfind("Error executing script: ", 0) == 0);
+    CHECK(PumpUntil([&] { return Idle(dialog); }, 10000));
+    std::vector<std::string> lines = ListLines(log);
+    CHECK(lines.size() == 1 && lines[0].rfind("out of memory error near line 1/column ", 0) == 0);
+    CHECK(IsWindow(dialog));
+}
+
 }  // namespace
 
 void TestScriptWindow() {
@@ -494,5 +521,6 @@ void TestScriptWindow() {
     TestRunAndLog(&sim);
     TestStop(&sim);
     TestOperatorDialogs(&sim);
+    TestDeepRecursion(&sim);
     TestCloseDuringRun(&sim);
 }
