@@ -1,10 +1,11 @@
 // dcsmini: runs one .dcs file with every built-in (no channel); output on
 // stdout, exit status = the script's result code (low 8 bits; 0 = success).
-// The script runs on a 64 KiB thread, as in the Script Processor.
+// The script runs on a thread with dcsrun's stack.
 #include <cstdio>
 #include <string>
 
 #include "os/Platform.h"
+#include "os/StackScale.h"
 #include "script/ScriptRun.h"
 #include "scriptrt/SysFuncTable.h"
 #include "util/WholeFile.h"
@@ -43,7 +44,7 @@ int main(int argc, char** argv) {
     size_t cut = path.find_last_of("/\\");
     TJOB job = {&text, cut == std::string::npos ? std::string(".") : path.substr(0, cut), 0};
     COsThread thread;
-    if (!thread.Start(65536, Main, &job)) {
+    if (!thread.Start((size_t(16) << 20) * kOsStackScale, Main, &job, OS_STACK_WHOLE)) {
         fprintf(stderr, "dcsmini: cannot start the script thread\n");
         return 2;
     }

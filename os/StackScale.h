@@ -1,6 +1,6 @@
 // AddressSanitizer builds have frames several times larger than normal ones.
-// Threads sized for scripts (64 KiB, the Script Processor's worker) get this
-// factor more in such builds, so a script nests as deep there as anywhere.
+// Threads sized for scripts (dcsrun's, the tests') get this factor more in
+// such builds, so a script nests as deep there as anywhere.
 #pragma once
 
 #include <cstddef>

@@ -77,7 +77,7 @@ int ondutil::LoadJobFile(const char* jobPath, std::vector<TFILEENTRY>* list) {
         ResetEntry(&entry, 1);  // the first pending entry has type 1, later ones 0
         std::string field;
         size_t column = 0;
-        // On the heap: the script worker that runs job files has a 64 KiB stack.
+        // On the heap: a script that runs job files may have little stack left.
         std::vector<char> buffer(16384);
         size_t got;
         while ((got = fread(buffer.data(), 1, buffer.size(), f)) > 0) {
