@@ -107,7 +107,7 @@ uint32_t RunScript(CONXScriptRunContext* context, const char* text, const TSCRIP
         char here;
         uintptr_t low = ScriptStackLowLimit();
         if (low == 0 || low > (uintptr_t)&here) {
-            // Unknown bounds: assume no more than a script worker's 64 KiB.
+            // Bounds the platform cannot tell: assume a small stack, 64 KiB.
             uintptr_t top = (uintptr_t)&here;
             low = top > (56u << 10) ? top - (56u << 10) : 0;
         }

@@ -51,3 +51,8 @@ public:
                                         const std::vector<std::string>& items,
                                         uint32_t initialIndex, uint32_t* index) = 0;
 };
+
+// The module's own way of asking, made for one Script Processor, which owns
+// it: the operator dialogs on Windows (scriptrt/win32), null where there are
+// no windows (nobody is asked).
+CONXOperatorPrompt_0* ScriptNewOwnOperatorPrompt();

@@ -9,6 +9,7 @@
 #include "os/Platform.h"
 #include "script/ScriptErrors.h"
 #include "script/ScriptValue.h"
+#include "scriptrt/OperatorPrompt.h"
 #include "scriptrt/SysFuncTable.h"
 #include "util/OutOfMemory.h"
 #include "util/WholeFile.h"
@@ -40,8 +41,9 @@ bool SameNameIgnoringCase(const char* a, const char* b) {
 
 }  // namespace
 
-CONXScriptProcessor::CONXScriptProcessor() {
+CONXScriptProcessor::CONXScriptProcessor() : m_pOwnPrompt(ScriptNewOwnOperatorPrompt()) {
     m_runContext.m_sysFuncFactories.push_back(ScriptRuntimeFactory);
+    m_runContext.m_pOperator = m_pOwnPrompt;
 }
 
 CONXScriptProcessor::~CONXScriptProcessor() {
@@ -52,6 +54,7 @@ CONXScriptProcessor::~CONXScriptProcessor() {
         m_pDialog = nullptr;
     }
     ClearVariables();
+    delete m_pOwnPrompt;
 }
 
 uint32_t CONXScriptProcessor::GetObjType() { return ONX_OBJTYPE_SCRIPTPROCESSOR; }

@@ -47,8 +47,12 @@ public:
     // From any thread: the running script ends at its next check.
     virtual void StopScript();
 
-    // Who answers the user-input built-ins; null = nobody. Not owned.
+    // Who answers the user-input built-ins, whoever runs the script: at first
+    // the module's own (OwnOperatorPrompt); a host may set its own, null =
+    // nobody. Not owned.
     void SetOperatorPrompt(CONXOperatorPrompt_0* prompt) { m_runContext.m_pOperator = prompt; }
+    // The module's operator dialogs on Windows; null where there are none.
+    CONXOperatorPrompt_0* OwnOperatorPrompt() { return m_pOwnPrompt; }
     CONXScriptRunContext* GetRunContext() { return &m_runContext; }
 
     ~CONXScriptProcessor() override;
@@ -66,4 +70,5 @@ private:
 
     std::vector<CONXScriptVariable*> m_externals;  // owned
     CONXScriptRunContext m_runContext;
+    CONXOperatorPrompt_0* m_pOwnPrompt;  // owned
 };

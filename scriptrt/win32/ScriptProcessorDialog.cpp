@@ -213,6 +213,8 @@ void CScriptProcessorDialog::OnExecute() {
         m_strRunPath = m_strScriptPath;
         m_hRunWindow = m_hWnd;
         m_Prompt.Reset();
+        // The size as Windows takes it: committed at first, the stack growing
+        // to the host program's default reserve (mostly 1 MiB) as needed.
         if (!m_Run.Start(kWorkerStackBytes)) Error("Unable to create script thread");
     }
     UpdateDialogState();

@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <new>
+
 #include "frame/win32/Controls.h"
 #include "res/OndResource.h"
 #include "script/ScriptValue.h"
@@ -202,3 +204,5 @@ void CWinOperatorPrompt::Abandon() {
 }
 
 void CWinOperatorPrompt::Reset() { m_bAbandoned = false; }
+
+CONXOperatorPrompt_0* ScriptNewOwnOperatorPrompt() { return new (std::nothrow) CWinOperatorPrompt; }

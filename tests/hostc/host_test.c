@@ -300,6 +300,89 @@ static void TestScriptProcessorCall(void) {
     DeleteInstance(sp);
 }
 
+/* --- the operator's questions and a deep recursion, through Call --- */
+
+/* A question of the script, as the operator sees it: a dialog with the
+   script's caption, found and answered from another thread while the host's
+   own thread is inside Call. */
+typedef struct {
+    const char* caption;
+    const char* typed;     /* into the number field (4058); null: a message box */
+    char seen[128];        /* the message box's text */
+    volatile LONG answered;
+} Question;
+
+static BOOL CALLBACK FindStaticText(HWND child, LPARAM out) {
+    char cls[32] = "", text[128] = "";
+    GetClassNameA(child, cls, sizeof cls);
+    GetWindowTextA(child, text, sizeof text);
+    if (_stricmp(cls, "Static") == 0 && text[0]) {
+        strcpy((char*)out, text);
+        return FALSE;
+    }
+    return TRUE;
+}
+
+static DWORD WINAPI AnswerQuestions(void* p) {
+    Question* questions = (Question*)p;
+    for (int round = 0; round < 1500; ++round) { /* of 20 ms */
+        Question* q = questions;
+        while (q->caption && q->answered) ++q;
+        if (!q->caption) return 0;
+        HWND box = FindWindowA("#32770", q->caption);
+        if (box && IsWindowVisible(box)) {
+            Sleep(200); /* let it finish its initialisation */
+            if (q->typed) SetDlgItemTextA(box, 4058, q->typed);
+            else EnumChildWindows(box, FindStaticText, (LPARAM)q->seen);
+            q->answered = 1;
+            PostMessageA(box, WM_COMMAND, IDOK, 0);
+        }
+        Sleep(20);
+    }
+    return 0;
+}
+
+static void TestOperatorAndDepthThroughCall(void) {
+    void* sp = CreateInstance(0x1002);
+    CChannel channel;
+    CChannelInit(&channel);
+    ((FnConnect)SLOT(sp, SLOT_CONNECT))(sp, &channel);
+
+    /* The module's own dialogs ask, on the host's thread, without an owner. */
+    Question questions[] = {{"Serial number", "1234", "", 0}, {"Done", NULL, "", 0}, {NULL, NULL, "", 0}};
+    HANDLE helper = CreateThread(NULL, 0, AnswerQuestions, questions, 0, NULL);
+    scriptOutput[0] = 0;
+    const char* asks =
+        "var dword v; var dword ok;\n"
+        "v = userinputdword(\"Serial number\", \"From 1 to 9999\", 7, 1, 9999, &ok);\n"
+        "messagebox(\"Done\", \"got \" + numtostr(v));\n"
+        "print(v, \" \", ok, \"\\n\");\n";
+    CHECK(CallSP(sp, 0x1000, (uint64_t)(uintptr_t)asks, (uint64_t)(uintptr_t)CollectOutput,
+                 (uint64_t)(uintptr_t)scriptOutput) == 0);
+    WaitForSingleObject(helper, 40000);
+    CloseHandle(helper);
+    CHECK(questions[0].answered && questions[1].answered);
+    CHECK(strcmp(questions[1].seen, "got 1234") == 0);
+    CHECK(strcmp(scriptOutput, "1234 1\n") == 0);
+    if (strcmp(scriptOutput, "1234 1\n") != 0) printf("  output: [%s]\n", scriptOutput);
+
+    /* A thousand calls deep on the host's thread; far deeper a clean failure. */
+    const char* f = "func f(var int64 n) { var int64 r; var string s; r = 0;"
+                    " if (n > 0) { r = 1 + f(n - 1); } f = r; }\n";
+    char text[256];
+    scriptOutput[0] = 0;
+    snprintf(text, sizeof text, "%sprint(f(1000));", f);
+    CHECK(CallSP(sp, 0x1000, (uint64_t)(uintptr_t)text, (uint64_t)(uintptr_t)CollectOutput,
+                 (uint64_t)(uintptr_t)scriptOutput) == 0);
+    CHECK(strcmp(scriptOutput, "1000") == 0);
+    scriptOutput[0] = 0;
+    snprintf(text, sizeof text, "%sprint(f(1000000));", f);
+    CHECK(CallSP(sp, 0x1000, (uint64_t)(uintptr_t)text, (uint64_t)(uintptr_t)CollectOutput,
+                 (uint64_t)(uintptr_t)scriptOutput) == 21);
+    CHECK(strncmp(scriptOutput, "out of memory error near line ", 30) == 0);
+    DeleteInstance(sp);
+}
+
 /* An object the module did not make answers another type and is left alone. */
 static int foreignTouched;
 static uint32_t ForeignType(void* self) { (void)self; return 0x2000; }
@@ -336,6 +419,7 @@ int main(void) {
     TestCommonSlots(0x1002);
     TestEventRoutes();
     TestScriptProcessorCall();
+    TestOperatorAndDepthThroughCall();
     TestForeignObjectIsNotDeleted();
 
     FreeLibrary(dll);

@@ -478,8 +478,9 @@ void TestOperatorDialogs(CSimDevice* sim) {
     CHECK(PumpUntil([&] { return Idle(dialog); }, 10000));
     CHECK_EQ_STR(Joined(ListLines(GetDlgItem(dialog, IDC_SP_LOG))),
                  "value 12 confirmed 1|picked 2 confirmed 1|text typed text confirmed 1|");
-    // The object's own prompt is back as it was: none.
-    CHECK(processor.GetRunContext()->m_pOperator == nullptr);
+    // The object's own prompt is back as it was.
+    CHECK(processor.GetRunContext()->m_pOperator == processor.OwnOperatorPrompt());
+    CHECK(processor.OwnOperatorPrompt() != nullptr);
 }
 
 // A thousand calls deep on the worker thread; far deeper the run ends with
