@@ -14,8 +14,8 @@ enum EWHOLEFILE : uint32_t {
 };
 
 // Appends the file's bytes, up to the size it has when opened, to *bytes (left
-// as it was on a failure). No stack buffer: the script worker has 64 KiB. A
-// failed allocation throws, for the caller's out-of-memory wall.
+// as it was on a failure). No stack buffer: a script's thread may have little
+// stack left. A failed allocation throws, for the caller's out-of-memory wall.
 EWHOLEFILE ReadWholeFile(const char* path, std::string* bytes);
 
 }  // namespace ondutil
