@@ -101,6 +101,7 @@ bool CFileManagerDialog::OnMessage(uint32_t message, uintptr_t wParam, intptr_t 
         case WM_DROPFILES: {
             CBusy busy(this);
             OnDropFiles(wParam);
+            UpdateDialogState();
             *result = 0;
             return true;
         }
@@ -149,6 +150,8 @@ void CFileManagerDialog::OnCommandBusy(uint32_t id) {
             m_bContinueOnError = IsDlgButtonChecked(m_hWnd, IDC_FM_CONTINUE) == BST_CHECKED;
             break;
     }
+    // The buttons follow at once: without a channel no status timer runs.
+    UpdateDialogState();
 }
 
 void CFileManagerDialog::UpdateDialogState() {

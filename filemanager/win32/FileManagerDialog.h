@@ -60,7 +60,11 @@ private:
     public:
         explicit CKeepAlive(CFileManagerDialog* dialog) : m_pDialog(dialog) {}
         void Enter() override { ++m_pDialog->m_nBusy; }
-        void Leave() override { m_pDialog->LeaveBusy(); }
+        // A key of the local list may have removed rows: the buttons follow.
+        void Leave() override {
+            m_pDialog->UpdateDialogState();
+            m_pDialog->LeaveBusy();
+        }
 
     private:
         CFileManagerDialog* m_pDialog;

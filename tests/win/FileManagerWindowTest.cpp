@@ -393,6 +393,15 @@ void TestLayoutAndStates(CSimDevice* sim) {
     PumpMessages(100);
     CHECK(sim->TotalCallCount() == calls);
     CHECK_EQ_STR(Rows(device), "1,2,300|7,9,5000|");  // the list keeps its rows
+    // No timer runs without a channel: "Save job" follows the local list's
+    // own edits at once.
+    ClickNow(dialog, IDC_FM_CLEAR);
+    CHECK(!Enabled(dialog, IDC_FM_SAVEJOB));
+    DropFiles(dialog, {g_dir + "a.bin"});
+    CHECK(Enabled(dialog, IDC_FM_SAVEJOB));
+    Select(local, {0});
+    SendMessageA(local, WM_KEYDOWN, VK_DELETE, 0);
+    CHECK(!Enabled(dialog, IDC_FM_SAVEJOB));
 }
 
 // A failed read: the message in the summary, the list rebuilt from what the
