@@ -111,7 +111,7 @@ void SetRoutes(CTestClient* client, bool callback, bool window, bool thread) {
     client->SetDlgEventData(&data);
 }
 
-void Click(HWND dialog, int id) { SendMessageA(GetDlgItem(dialog, id), BM_CLICK, 0, 0); }
+void PressButton(HWND dialog, int id) { SendMessageA(GetDlgItem(dialog, id), BM_CLICK, 0, 0); }
 
 std::string ExpectedStatus(CSimDevice* sim, const char* state) {
     std::string text = "Channel description: ";
@@ -212,7 +212,7 @@ void TestEventRoutes() {
     SetRoutes(&client, true, false, false);
     g_callback = TEventLog();
     g_callback.answer = 0;
-    Click(dialog, IDOK);
+    PressButton(dialog, IDOK);
     CHECK(g_callback.calls == 1 && g_callback.event == ONX_DLGEVENT_OK);
     CHECK(g_callback.client == static_cast<CONXDeviceClient_0*>(&client));
     CHECK(g_callback.userData == &g_callback);
@@ -223,7 +223,7 @@ void TestEventRoutes() {
     CHECK(IsWindowVisible(dialog));
 
     g_callback.answer = 1;
-    Click(dialog, IDOK);
+    PressButton(dialog, IDOK);
     CHECK(g_callback.calls == 3 && !IsWindowVisible(dialog));
     CHECK(!client.IsNonModalDialogOpen());
 
@@ -231,7 +231,7 @@ void TestEventRoutes() {
     client.ShowDialogNonModal(host);
     SetRoutes(&client, false, true, false);
     g_window = {};
-    Click(dialog, IDOK);
+    PressButton(dialog, IDOK);
     CHECK(g_window.calls == 1 && g_window.lParam == ONX_DLGEVENT_OK);
     CHECK(g_window.wParam == reinterpret_cast<WPARAM>(static_cast<CONXDeviceClient_0*>(&client)));
     CHECK(!IsWindowVisible(dialog));
@@ -239,7 +239,7 @@ void TestEventRoutes() {
     // A posted thread message cannot answer: the dialog stays.
     client.ShowDialogNonModal(host);
     SetRoutes(&client, false, false, true);
-    Click(dialog, IDOK);
+    PressButton(dialog, IDOK);
     CHECK(IsWindowVisible(dialog));
     MSG msg;
     CHECK(PeekMessageA(&msg, reinterpret_cast<HWND>(-1), kEventThreadMsg, kEventThreadMsg,
@@ -251,7 +251,7 @@ void TestEventRoutes() {
     CTestScriptDialog orphan;
     CHECK(orphan.Create(host));
     orphan.Show(true);
-    Click(orphan.GetSafeHwnd(), IDOK);
+    PressButton(orphan.GetSafeHwnd(), IDOK);
     CHECK(orphan.HasWindow() && !orphan.IsVisible());
 }
 
@@ -377,7 +377,7 @@ void TestListBox() {
     SendMessageA(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>("bc"));
     CHECK(PatchImport(GetModuleHandleA("OndDeviceClient.dll"), "user32.dll", "SetClipboardData",
                       reinterpret_cast<void*>(RecordSetClipboardData)));
-    Click(dialog, IDC_SP_COPY);
+    PressButton(dialog, IDC_SP_COPY);
     CHECK(g_handedOver.calls == 1);
     CHECK(g_handedOver.bytes == std::string("a\nbc\n", 5));  // LF only, no CR, no zero
     size_t size;
@@ -387,7 +387,7 @@ void TestListBox() {
     // An empty list leaves the clipboard alone.
     PutClipboardText("keep");
     SendMessageA(list, LB_RESETCONTENT, 0, 0);
-    Click(dialog, IDC_SP_COPY);
+    PressButton(dialog, IDC_SP_COPY);
     CHECK(g_handedOver.calls == 1);
     CHECK(ClipboardBytes(&size).compare(0, 5, std::string("keep\0", 5)) == 0);
 

@@ -53,32 +53,6 @@ std::string ReadFile(const std::string& path) {
     return text;
 }
 
-void Click(HWND dialog, int id) {
-    PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED),
-                 reinterpret_cast<LPARAM>(GetDlgItem(dialog, id)));
-}
-
-// A click whose handler opens nothing modal ("Clear"): done when this returns.
-void ClickNow(HWND dialog, int id) {
-    SendMessageA(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED),
-                 reinterpret_cast<LPARAM>(GetDlgItem(dialog, id)));
-}
-
-// A host's GetMessage loop until cond holds or ms pass; a thread timer wakes
-// it to look.
-template <class F>
-bool PumpUntil(F cond, DWORD ms) {
-    UINT_PTR timer = SetTimer(nullptr, 0, 20, nullptr);
-    DWORD start = GetTickCount();
-    MSG msg;
-    while (!cond() && GetTickCount() - start <= ms && GetMessageA(&msg, nullptr, 0, 0) > 0) {
-        TranslateMessage(&msg);
-        DispatchMessageA(&msg);
-    }
-    KillTimer(nullptr, timer);
-    return cond();
-}
-
 HWND FindDialog(const char* caption) {
     HWND found = FindWindowA("#32770", caption);
     return found && IsWindowVisible(found) ? found : nullptr;

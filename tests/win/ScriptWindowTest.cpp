@@ -32,29 +32,6 @@ std::string WriteScript(const char* name, const char* text) {
     return path;
 }
 
-void Click(HWND dialog, int id) {
-    PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED),
-                 reinterpret_cast<LPARAM>(GetDlgItem(dialog, id)));
-}
-
-std::vector<std::string> ListLines(HWND list) {
-    std::vector<std::string> lines;
-    LRESULT count = SendMessageA(list, LB_GETCOUNT, 0, 0);
-    for (LRESULT i = 0; i < count; ++i) {
-        std::string line(size_t(SendMessageA(list, LB_GETTEXTLEN, i, 0)) + 1, '\0');
-        LRESULT n = SendMessageA(list, LB_GETTEXT, i, reinterpret_cast<LPARAM>(&line[0]));
-        line.resize(n > 0 ? size_t(n) : 0);
-        lines.push_back(line);
-    }
-    return lines;
-}
-
-std::string Joined(const std::vector<std::string>& lines) {
-    std::string all;
-    for (const std::string& line : lines) all += line + "|";
-    return all;
-}
-
 // The text of a message box: its static control that carries text.
 BOOL CALLBACK FindText(HWND child, LPARAM out) {
     char cls[32] = "";
@@ -71,22 +48,6 @@ std::string BoxText(HWND box) {
     std::string text;
     EnumChildWindows(box, FindText, reinterpret_cast<LPARAM>(&text));
     return text;
-}
-
-// Waits in a host's GetMessage loop until cond holds or ms pass. A blocking
-// loop serves the worker's sent output at once, as a host's does; a thread
-// timer wakes it to look at cond.
-template <class F>
-bool PumpUntil(F cond, DWORD ms) {
-    UINT_PTR timer = SetTimer(nullptr, 0, 20, nullptr);
-    DWORD start = GetTickCount();
-    MSG msg;
-    while (!cond() && GetTickCount() - start <= ms && GetMessageA(&msg, nullptr, 0, 0) > 0) {
-        TranslateMessage(&msg);
-        DispatchMessageA(&msg);
-    }
-    KillTimer(nullptr, timer);
-    return cond();
 }
 
 HWND FindDialog(const char* caption) { return FindWindowA("#32770", caption); }

@@ -23,24 +23,7 @@ public:
 
 int g_other;  // another lock owner, as a script run would be
 
-std::vector<std::string> Lines(HWND dialog) {
-    HWND list = GetDlgItem(dialog, IDC_TERM_ANSWERS);
-    std::vector<std::string> lines;
-    LRESULT count = SendMessageA(list, LB_GETCOUNT, 0, 0);
-    for (LRESULT i = 0; i < count; ++i) {
-        std::string line(size_t(SendMessageA(list, LB_GETTEXTLEN, i, 0)) + 1, '\0');
-        LRESULT n = SendMessageA(list, LB_GETTEXT, i, reinterpret_cast<LPARAM>(&line[0]));
-        line.resize(n > 0 ? size_t(n) : 0);
-        lines.push_back(line);
-    }
-    return lines;
-}
-
-std::string Joined(const std::vector<std::string>& lines) {
-    std::string all;
-    for (const std::string& line : lines) all += line + "|";
-    return all;
-}
+std::vector<std::string> Lines(HWND dialog) { return ListLines(GetDlgItem(dialog, IDC_TERM_ANSWERS)); }
 
 // Keys go to the input line's queue and reach it through the host's loop and
 // the module's hook, as a keyboard's do.
@@ -57,11 +40,6 @@ void Key(HWND control, UINT key) {
 
 // One tick of the receive poll, without waiting for the timer.
 void Tick(HWND dialog) { SendMessageA(dialog, WM_TIMER, 1, 0); }
-
-void Click(HWND dialog, int id) {
-    SendMessageA(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED),
-                 reinterpret_cast<LPARAM>(GetDlgItem(dialog, id)));
-}
 
 std::string Status(HWND dialog) { return ItemText(dialog, IDC_TERM_STATUS); }
 
@@ -190,7 +168,7 @@ void TestLayout(CTestTerminal& terminal, HWND dialog, CSimDevice* sim) {
 void TestSending(CTestTerminal& terminal, HWND dialog, CSimDevice* sim) {
     HWND input = GetDlgItem(dialog, IDC_TERM_INPUT);
     Tick(dialog);
-    Click(dialog, IDC_TERM_CLEAR);
+    ClickNow(dialog, IDC_TERM_CLEAR);
     sim->TakeTransmitted();
 
     SendTyped(dialog, "hello");
@@ -328,7 +306,7 @@ void TestKeys(CTestTerminal& terminal, HWND dialog, CSimDevice* sim) {
 void TestReceiving(HWND dialog, CSimDevice* sim) {
     HWND list = GetDlgItem(dialog, IDC_TERM_ANSWERS);
     Tick(dialog);
-    Click(dialog, IDC_TERM_CLEAR);
+    ClickNow(dialog, IDC_TERM_CLEAR);
 
     sim->PreloadReceive("abc");
     Tick(dialog);
@@ -342,7 +320,7 @@ void TestReceiving(HWND dialog, CSimDevice* sim) {
 
     // Copy: each line with a bare line feed. The buffer has no terminating
     // zero; Wine writes one over its last byte when it takes the text.
-    Click(dialog, IDC_TERM_COPY);
+    ClickNow(dialog, IDC_TERM_COPY);
     std::string copied = ClipboardBytes();
     const std::string expected = "abcdef\na\nb\n\n";
     CHECK(copied.size() >= expected.size());
@@ -353,7 +331,7 @@ void TestReceiving(HWND dialog, CSimDevice* sim) {
     // Clear: an unfinished line's continuation starts a new line.
     sim->PreloadReceive("unfini");
     Tick(dialog);
-    Click(dialog, IDC_TERM_CLEAR);
+    ClickNow(dialog, IDC_TERM_CLEAR);
     CHECK(SendMessageA(list, LB_GETCOUNT, 0, 0) == 0);
     CHECK(SendMessageA(list, LB_GETHORIZONTALEXTENT, 0, 0) == 0);
     sim->PreloadReceive("shed\r\n");
@@ -366,7 +344,7 @@ void TestReceiving(HWND dialog, CSimDevice* sim) {
     for (int i = 1; i <= 5003; ++i) many += "line " + std::to_string(i) + "\r\n";
     std::string longest = "the longest line of them all " + std::string(100, '=');
     many += longest;
-    Click(dialog, IDC_TERM_CLEAR);
+    ClickNow(dialog, IDC_TERM_CLEAR);
     sim->PreloadReceive(many);
     DWORD start = GetTickCount();
     Tick(dialog);
@@ -395,7 +373,7 @@ void TestReceiving(HWND dialog, CSimDevice* sim) {
     lines = Lines(dialog);
     CHECK(lines.size() == 5001 && lines.front() == "line 4" && lines.back() == longest + "!");
 
-    Click(dialog, IDC_TERM_CLEAR);
+    ClickNow(dialog, IDC_TERM_CLEAR);
     sim->PreloadReceive("> ver\r\nversion 1.0\r\nready\r\n> ");
     Tick(dialog);
     SetDlgItemTextA(dialog, IDC_TERM_INPUT, "status\\r\\(10)");

@@ -7,6 +7,7 @@
 
 #include <cstdio>
 #include <string>
+#include <vector>
 
 extern int g_passed, g_failed;
 
@@ -37,6 +38,30 @@ extern int g_passed, g_failed;
 void PumpMessages(DWORD ms);
 // One message from the queue as a host retrieves it (the hook has run).
 bool TakeMessage(MSG* msg);
+
+// Runs the host's GetMessage loop until cond holds or ms pass; a thread
+// timer wakes it to look. A blocking loop serves what a worker sends at once,
+// as a host's does.
+template <class F>
+bool PumpUntil(F cond, DWORD ms) {
+    UINT_PTR timer = SetTimer(nullptr, 0, 20, nullptr);
+    DWORD start = GetTickCount();
+    MSG msg;
+    while (!cond() && GetTickCount() - start <= ms && GetMessageA(&msg, nullptr, 0, 0) > 0) {
+        TranslateMessage(&msg);
+        DispatchMessageA(&msg);
+    }
+    KillTimer(nullptr, timer);
+    return cond();
+}
+
+// A button click: Click posts it (its handler may open a modal window and
+// the test goes on meanwhile), ClickNow sends it (done when it returns).
+void Click(HWND dialog, int id);
+void ClickNow(HWND dialog, int id);
+
+std::vector<std::string> ListLines(HWND listBox);
+std::string Joined(const std::vector<std::string>& lines);  // "a|b|"
 
 std::string WindowText(HWND hwnd);
 std::string ItemText(HWND dialog, int id);

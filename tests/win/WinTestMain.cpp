@@ -30,6 +30,34 @@ std::string WindowText(HWND hwnd) {
 
 std::string ItemText(HWND dialog, int id) { return WindowText(GetDlgItem(dialog, id)); }
 
+void Click(HWND dialog, int id) {
+    PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED),
+                 reinterpret_cast<LPARAM>(GetDlgItem(dialog, id)));
+}
+
+void ClickNow(HWND dialog, int id) {
+    SendMessageA(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED),
+                 reinterpret_cast<LPARAM>(GetDlgItem(dialog, id)));
+}
+
+std::vector<std::string> ListLines(HWND listBox) {
+    std::vector<std::string> lines;
+    LRESULT count = SendMessageA(listBox, LB_GETCOUNT, 0, 0);
+    for (LRESULT i = 0; i < count; ++i) {
+        std::string line(size_t(SendMessageA(listBox, LB_GETTEXTLEN, i, 0)) + 1, '\0');
+        LRESULT n = SendMessageA(listBox, LB_GETTEXT, i, reinterpret_cast<LPARAM>(&line[0]));
+        line.resize(n > 0 ? size_t(n) : 0);
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+std::string Joined(const std::vector<std::string>& lines) {
+    std::string all;
+    for (const std::string& line : lines) all += line + "|";
+    return all;
+}
+
 RECT ChildRect(HWND dialog, int id) {
     RECT rect = {};
     HWND child = GetDlgItem(dialog, id);
