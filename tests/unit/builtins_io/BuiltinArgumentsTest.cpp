@@ -83,12 +83,12 @@ const TARGCASE kCases[] = {
 }  // namespace
 
 TEST(BuiltinArguments, CheckedBeforeAnythingHappens) {
-    CBuiltinIoFolder folder;
+    CTestScratch folder;
     CSimDevice device;
     device.PreloadReceive("waiting");
     CTestOperator op;
     for (const TARGCASE& c : kCases) {
-        TBUILTINIORUN run = BuiltinIoRun(c.text, &device, folder.Base(), &op);
+        TTESTRUN run = BuiltinIoRun(c.text, &device, folder.Dir(), &op);
         EXPECT_EQ(run.code, c.code) << c.text;
         // Nothing but the diagnostic line: its text up to " near line ...".
         const char* expected = !c.code ? "" : c.code == kCount ? "Wrong number of parameters" : "Type error";
@@ -96,5 +96,5 @@ TEST(BuiltinArguments, CheckedBeforeAnythingHappens) {
     }
     EXPECT_EQ(op.calls, 0);
     EXPECT_EQ(device.TotalCallCount(), 0u);
-    EXPECT_TRUE(folder.Empty());
+    EXPECT_TRUE(folder.FileCount() == 0);
 }

@@ -30,7 +30,7 @@ TEST(BuiltinTransmitString, SendsEveryByteAndIgnoresTheChannel) {
 
     // A failing channel is no script error, and nothing is written.
     device.InjectFault("Transmit", 1);
-    TBUILTINIORUN run = BuiltinIoRun("transmitstring(\"x\"); print(\"on\");", &device, "");
+    TTESTRUN run = BuiltinIoRun("transmitstring(\"x\"); print(\"on\");", &device, "");
     EXPECT_EQ(run.code, 0u);
     EXPECT_EQ(run.output, "on");
     EXPECT_EQ(device.TakeTransmitted(), "");
@@ -105,7 +105,7 @@ TEST(BuiltinReceiveString, StopRequestEndsADeviceThatNeverStops) {
         context.RequestStop();
     });
     uint64_t start = OsTickCount();
-    TBUILTINIORUN run = BuiltinIoRun("var string s; s = receivestring();", &device, "", nullptr, nullptr, &context);
+    TTESTRUN run = BuiltinIoRun("var string s; s = receivestring();", &device, "", nullptr, nullptr, &context);
     uint64_t elapsed = OsTickCount() - start;
     stopper.join();
     printf("[ measured ] endless device, stop request after 100 ms: receivestring ended after %llu ms\n",

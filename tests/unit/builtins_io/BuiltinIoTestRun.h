@@ -1,73 +1,30 @@
 // Running scripts with the device and user-input built-ins against the
-// simulated device, a scratch folder and an operator double.
+// simulated device and an operator double.
 #pragma once
 
-#include <atomic>
-#include <cstdio>
 #include <cstring>
-#include <filesystem>
 #include <string>
 #include <vector>
 
 #include "host/sim/SimDevice.h"
-#include "os/Platform.h"
-#include "script/ScriptRun.h"
 #include "script/ScriptValue.h"
 #include "scriptrt/OperatorPrompt.h"
-#include "scriptrt/SysFuncTable.h"
 #include "scriptrt/UserInputFuncs.h"
-
-inline void BuiltinIoCollect(void* context, const char* text) {
-    static_cast<std::string*>(context)->append(text);
-}
-
-// A scratch folder per test, removed afterwards; Base() is in the module's
-// path form, as the Script Processor hands it to a run.
-class CBuiltinIoFolder {
-public:
-    CBuiltinIoFolder() {
-        static std::atomic<int> serial{0};
-        m_path = std::filesystem::temp_directory_path() /
-                 ("ond_bio_" + std::to_string(OsTickCount()) + "_" + std::to_string(serial++));
-        std::filesystem::create_directories(m_path);
-        OsFullPathName(m_path.string().c_str(), &m_base);
-    }
-    ~CBuiltinIoFolder() {
-        std::error_code ec;
-        std::filesystem::remove_all(m_path, ec);
-    }
-    const std::string& Base() const { return m_base; }
-    bool Empty() const { return std::filesystem::is_empty(m_path); }
-    void Write(const std::string& name, const std::string& bytes) const {
-        FILE* f = fopen((m_path / name).string().c_str(), "wb");
-        if (!f) return;
-        fwrite(bytes.data(), 1, bytes.size(), f);
-        fclose(f);
-    }
-
-private:
-    std::filesystem::path m_path;
-    std::string m_base;
-};
-
-struct TBUILTINIORUN {
-    uint32_t code = 0;
-    std::string output;
-};
+#include "tests/unit/TestSupport.h"
 
 // One run; `device` may be null (no channel). externals are visible to the
 // script and keep what it leaves in them.
-inline TBUILTINIORUN BuiltinIoRun(const std::string& text, COndDeviceComm_0* device,
-                                  const std::string& base, CONXOperatorPrompt_0* prompt = nullptr,
-                                  std::vector<CONXScriptVariable*>* externals = nullptr,
-                                  CONXScriptRunContext* context = nullptr) {
+inline TTESTRUN BuiltinIoRun(const std::string& text, COndDeviceComm_0* device,
+                             const std::string& base, CONXOperatorPrompt_0* prompt = nullptr,
+                             std::vector<CONXScriptVariable*>* externals = nullptr,
+                             CONXScriptRunContext* context = nullptr) {
     CONXScriptRunContext own;
     if (!context) context = &own;
     context->m_sysFuncFactories = {ScriptRuntimeFactory};
     context->m_pOperator = prompt;
-    TBUILTINIORUN run;
+    TTESTRUN run;
     run.code = RunScript(context, text.c_str(), {.channel = device, .scriptDirectory = base.c_str(),
-                         .externals = externals, .output = BuiltinIoCollect, .outputContext = &run.output});
+                         .externals = externals, .output = TestCollect, .outputContext = &run.output});
     return run;
 }
 
@@ -131,16 +88,6 @@ public:
         return answer;
     }
 };
-
-// A path written into a script's string literal: backslashes doubled.
-inline std::string BuiltinIoLiteral(const std::string& path) {
-    std::string out;
-    for (char c : path) {
-        if (c == '\\') out += '\\';
-        out += c;
-    }
-    return out;
-}
 
 // A device that gets a stop request at a given progress step of every transfer.
 class CStopAtStepDevice : public CSimDevice {

@@ -18,15 +18,15 @@ protected:
         // Relative entries: they lie beside the job file.
         m_folder.Write("jobs.dcj", "a.bin\t1\t10\tnormal\nb.bin\t2\t20\tprogram\r\nc.bin\t3\t30\tbit reverse\n");
     }
-    TBUILTINIORUN Run(const std::string& text) { return BuiltinIoRun(text, &m_device, m_folder.Base()); }
+    TTESTRUN Run(const std::string& text) { return BuiltinIoRun(text, &m_device, m_folder.Dir()); }
     std::string Ok(const char* name) { return BuiltinIoProgress(name, true) + " -> OK\n"; }
 
-    CBuiltinIoFolder m_folder;
+    CTestScratch m_folder;
     CSimDevice m_device;
 };
 
 TEST_F(BuiltinExecuteJobFile, TransfersEveryEntryInOrder) {
-    TBUILTINIORUN run = Run("print(executejobfile(\"jobs.dcj\"), \"|\");");
+    TTESTRUN run = Run("print(executejobfile(\"jobs.dcj\"), \"|\");");
     ASSERT_EQ(run.code, 0u) << run.output;
     EXPECT_EQ(run.output, Ok("a.bin") + Ok("b.bin") + Ok("c.bin") + "0|");
     CSimDevice::TStoredFile file;
@@ -36,14 +36,14 @@ TEST_F(BuiltinExecuteJobFile, TransfersEveryEntryInOrder) {
     EXPECT_EQ(m_device.ProgramImage(), "BB");
     ASSERT_TRUE(m_device.GetStoredFile(3, &file));
     EXPECT_EQ(file.data, "\xC2");  // 'C' bit-reversed
-    EXPECT_EQ(m_device.LastTransfer().localPath, m_folder.Base() + "\\c.bin");
+    EXPECT_EQ(m_device.LastTransfer().localPath, m_folder.Dir() + "\\c.bin");
     EXPECT_EQ(m_device.LastTransfer().steps, 40u);
 }
 
 TEST_F(BuiltinExecuteJobFile, ContinueAfterErrorTriesEveryEntryAndGivesTheFirstCode) {
     m_device.InjectFault("TransmitFile", 1, SIMDEV_ERR_STORAGEFULL);
     m_device.InjectFault("TransmitFile", 3, SIMDEV_ERR_INJECTED);
-    TBUILTINIORUN run = Run("var dword r; r = executejobfile(\"jobs.dcj\", 1, 1); print(r, \"|\");");
+    TTESTRUN run = Run("var dword r; r = executejobfile(\"jobs.dcj\", 1, 1); print(r, \"|\");");
     EXPECT_EQ(run.code, 0u);
     EXPECT_EQ(run.output, "\ra.bin " + std::string(40, '.') +
                               "\n-> Not enough free space on the device during ExecuteJobFile (jobs.dcj)\n" +
@@ -59,8 +59,8 @@ TEST_F(BuiltinExecuteJobFile, ContinueAfterErrorTriesEveryEntryAndGivesTheFirstC
 }
 
 TEST_F(BuiltinExecuteJobFile, MissingJobFile) {
-    std::string own = "Could not load job file (" + m_folder.Base() + "\\none.dcj)\n";
-    TBUILTINIORUN run = Run("executejobfile(\"none.dcj\", 1);");
+    std::string own = "Could not load job file (" + m_folder.Dir() + "\\none.dcj)\n";
+    TTESTRUN run = Run("executejobfile(\"none.dcj\", 1);");
     EXPECT_EQ(run.code, SCRIPT_ERR_SYSFUNC);
     EXPECT_EQ(run.output.substr(0, own.size()), own);
     EXPECT_TRUE(BuiltinIoEndsWithError(run.output, own.size(), "System function failed")) << run.output;
@@ -73,7 +73,7 @@ TEST_F(BuiltinExecuteJobFile, MissingJobFile) {
 
 TEST_F(BuiltinExecuteJobFile, EmptyJobFileTransfersNothing) {
     m_folder.Write("empty.dcj", "only a line without tabs\n");
-    TBUILTINIORUN run = Run("print(executejobfile(\"empty.dcj\"));");
+    TTESTRUN run = Run("print(executejobfile(\"empty.dcj\"));");
     EXPECT_EQ(run.code, 0u);
     EXPECT_EQ(run.output, "0");
     EXPECT_EQ(m_device.CallCount("TransmitFile"), 0u);
@@ -89,7 +89,7 @@ TEST_F(BuiltinExecuteJobFile, StopRequestFailsEveryEntryItReaches) {
     {
         CONXScriptRunContext context;
         CStopAtStepDevice device(&context, 0);
-        TBUILTINIORUN run = BuiltinIoRun("executejobfile(\"jobs.dcj\");", &device, m_folder.Base(), nullptr,
+        TTESTRUN run = BuiltinIoRun("executejobfile(\"jobs.dcj\");", &device, m_folder.Dir(), nullptr,
                                          nullptr, &context);
         EXPECT_EQ(run.code, SCRIPT_ERR_SYSFUNC);
         EXPECT_TRUE(BuiltinIoEndsWithError(run.output, entry("a.bin").size(), "System function failed"))
@@ -98,8 +98,8 @@ TEST_F(BuiltinExecuteJobFile, StopRequestFailsEveryEntryItReaches) {
     }
     CONXScriptRunContext context;
     CStopAtStepDevice device(&context, 0);
-    TBUILTINIORUN run = BuiltinIoRun("var dword r; r = executejobfile(\"jobs.dcj\", 1, 1); print(r);", &device,
-                                     m_folder.Base(), nullptr, nullptr, &context);
+    TTESTRUN run = BuiltinIoRun("var dword r; r = executejobfile(\"jobs.dcj\", 1, 1); print(r);", &device,
+                                     m_folder.Dir(), nullptr, nullptr, &context);
     EXPECT_EQ(run.code, 0u);
     EXPECT_EQ(run.output, entry("a.bin") + entry("b.bin") + entry("c.bin") +
                               std::to_string((uint32_t)SIMDEV_ERR_ABORTED));
@@ -108,11 +108,11 @@ TEST_F(BuiltinExecuteJobFile, StopRequestFailsEveryEntryItReaches) {
 
 TEST_F(BuiltinExecuteJobFile, OutsideTheFileRootNothingIsRead) {
     CONXScriptRunContext context;
-    context.m_limits.fileRoot = m_folder.Base() + "\\inner";
-    TBUILTINIORUN run = BuiltinIoRun("executejobfile(\"jobs.dcj\", 0, 1);", &m_device, m_folder.Base(),
+    context.m_limits.fileRoot = m_folder.Dir() + "\\inner";
+    TTESTRUN run = BuiltinIoRun("executejobfile(\"jobs.dcj\", 0, 1);", &m_device, m_folder.Dir(),
                                      nullptr, nullptr, &context);
     EXPECT_EQ(run.code, 0u);
-    EXPECT_EQ(run.output, "Could not load job file (" + m_folder.Base() + "\\jobs.dcj)\n");
+    EXPECT_EQ(run.output, "Could not load job file (" + m_folder.Dir() + "\\jobs.dcj)\n");
     EXPECT_EQ(m_device.CallCount("TransmitFile"), 0u);
 }
 

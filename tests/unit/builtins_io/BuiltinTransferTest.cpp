@@ -10,15 +10,15 @@
 namespace {
 
 TEST(BuiltinTransmitFile, TransfersWithProgressAndResult) {
-    CBuiltinIoFolder folder;
+    CTestScratch folder;
     folder.Write("image.rbf", "\x01\x02\x80");
     CSimDevice device;
-    TBUILTINIORUN run = BuiltinIoRun("print(transmitfile(\"image.rbf\", 300, 0x1FF, 1), \"|\");",
-                                     &device, folder.Base());
+    TTESTRUN run = BuiltinIoRun("print(transmitfile(\"image.rbf\", 300, 0x1FF, 1), \"|\");",
+                                     &device, folder.Dir());
     ASSERT_EQ(run.code, 0u) << run.output;
     EXPECT_EQ(run.output, BuiltinIoProgress("image.rbf", false) + " -> OK\n0|");
     CSimDevice::TTransfer last = device.LastTransfer();
-    EXPECT_EQ(last.localPath, folder.Base() + "\\image.rbf");
+    EXPECT_EQ(last.localPath, folder.Dir() + "\\image.rbf");
     EXPECT_EQ(last.fileId, 44);     // 300 cut to 8 bits
     EXPECT_EQ(last.fileType, 0xFF);
     EXPECT_EQ(last.fileMode, 1u);
@@ -30,18 +30,18 @@ TEST(BuiltinTransmitFile, TransfersWithProgressAndResult) {
 }
 
 TEST(BuiltinTransmitFile, NamesResolveAgainstTheBaseDirectory) {
-    CBuiltinIoFolder folder;
+    CTestScratch folder;
     folder.Write("a.bin", "A");
     CSimDevice device;
     // A full path stands; the progress line shows only the name part.
-    std::string full = folder.Base() + "\\a.bin";
-    TBUILTINIORUN run = BuiltinIoRun("transmitfile(\"" + BuiltinIoLiteral(full) + "\", 1, 0, 0);", &device, "C:\\elsewhere");
+    std::string full = folder.Dir() + "\\a.bin";
+    TTESTRUN run = BuiltinIoRun("transmitfile(\"" + TestLiteral(full) + "\", 1, 0, 0);", &device, "C:\\elsewhere");
     ASSERT_EQ(run.code, 0u) << run.output;
     EXPECT_EQ(device.LastTransfer().localPath, full);
     EXPECT_EQ(run.output, BuiltinIoProgress("a.bin", false) + " -> OK\n");
     // "\dir\x" goes onto the base's drive.
     std::string rooted = full.substr(2);
-    run = BuiltinIoRun("transmitfile(\"" + BuiltinIoLiteral(rooted) + "\", 2, 0, 0);", &device, folder.Base());
+    run = BuiltinIoRun("transmitfile(\"" + TestLiteral(rooted) + "\", 2, 0, 0);", &device, folder.Dir());
     ASSERT_EQ(run.code, 0u) << run.output;
     EXPECT_EQ(device.LastTransfer().localPath, full);
 }
@@ -51,7 +51,7 @@ TEST(BuiltinTransmitFile, NamePartAsThePathsAreSplit) {
     // an empty name part.
     CSimDevice device;
     const char* missing = "\nLocal file cannot be opened or read during TransmitFile (";
-    TBUILTINIORUN run = BuiltinIoRun("transmitfile(\"\\\\x.rbf\", 1, 2, 0, 1);", &device, "Z:\\nowhere");
+    TTESTRUN run = BuiltinIoRun("transmitfile(\"\\\\x.rbf\", 1, 2, 0, 1);", &device, "Z:\\nowhere");
     EXPECT_EQ(run.output, std::string(missing) + "\\x.rbf)\n");
     run = BuiltinIoRun("transmitfile(\"sub\\\\\", 1, 2, 0, 1);", &device, "Z:\\nowhere");
     EXPECT_EQ(run.output, std::string(missing) + ")\n");
@@ -59,7 +59,7 @@ TEST(BuiltinTransmitFile, NamePartAsThePathsAreSplit) {
 
 TEST(BuiltinTransmitFileFromString, TransfersTheBytesWithABareBar) {
     CSimDevice device;
-    TBUILTINIORUN run = BuiltinIoRun("print(transmitfilefromstring(\"x\\0y\", 9, 3, 2), \"|\");", &device, "");
+    TTESTRUN run = BuiltinIoRun("print(transmitfilefromstring(\"x\\0y\", 9, 3, 2), \"|\");", &device, "");
     ASSERT_EQ(run.code, 0u) << run.output;
     EXPECT_EQ(run.output, BuiltinIoProgress("", true) + " -> OK\n0|");
     EXPECT_TRUE(device.HasProgram());
@@ -68,15 +68,15 @@ TEST(BuiltinTransmitFileFromString, TransfersTheBytesWithABareBar) {
 }
 
 TEST(BuiltinTransfer, StopRequestAbortsTheTransferAsAFailure) {
-    CBuiltinIoFolder folder;
+    CTestScratch folder;
     folder.Write("a.bin", "A");
     std::string own = BuiltinIoProgress("a.bin", false, 3) + "\nTransfer aborted during TransmitFile (a.bin)\n";
     {
         // Without ignoreFailure the failure ends the run.
         CONXScriptRunContext context;
         CStopAtStepDevice device(&context, 3);
-        TBUILTINIORUN run = BuiltinIoRun("transmitfile(\"a.bin\", 1, 0, 0); print(\"not here\");", &device,
-                                         folder.Base(), nullptr, nullptr, &context);
+        TTESTRUN run = BuiltinIoRun("transmitfile(\"a.bin\", 1, 0, 0); print(\"not here\");", &device,
+                                         folder.Dir(), nullptr, nullptr, &context);
         EXPECT_EQ(run.code, SCRIPT_ERR_SYSFUNC);
         EXPECT_EQ(run.output.substr(0, own.size()), own);
         EXPECT_TRUE(BuiltinIoEndsWithError(run.output, own.size(), "System function failed")) << run.output;
@@ -85,9 +85,9 @@ TEST(BuiltinTransfer, StopRequestAbortsTheTransferAsAFailure) {
     // engine itself sees the stop at a loop round.
     CONXScriptRunContext context;
     CStopAtStepDevice device(&context, 3);
-    TBUILTINIORUN run = BuiltinIoRun(
+    TTESTRUN run = BuiltinIoRun(
         "var dword r; r = transmitfile(\"a.bin\", 1, 0, 0, 1); print(r, \" goes on\\n\"); while (1) { }",
-        &device, folder.Base(), nullptr, nullptr, &context);
+        &device, folder.Dir(), nullptr, nullptr, &context);
     EXPECT_EQ(run.code, SCRIPT_ERR_ABORTED);
     own += std::to_string((uint32_t)SIMDEV_ERR_ABORTED) + " goes on\n";
     EXPECT_EQ(run.output.substr(0, own.size()), own);

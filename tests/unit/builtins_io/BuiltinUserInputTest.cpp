@@ -10,13 +10,13 @@
 
 namespace {
 
-TBUILTINIORUN Ask(const std::string& text, CONXOperatorPrompt_0* op) {
+TTESTRUN Ask(const std::string& text, CONXOperatorPrompt_0* op) {
     return BuiltinIoRun(text, nullptr, "", op);
 }
 
 TEST(BuiltinMessageBox, CaptionFirstThenText) {
     CTestOperator op;
-    TBUILTINIORUN run = Ask("messagebox(\"Title\", \"Body\");", &op);
+    TTESTRUN run = Ask("messagebox(\"Title\", \"Body\");", &op);
     EXPECT_EQ(run.code, 0u);
     EXPECT_EQ(op.calls, 1);
     EXPECT_EQ(op.caption, "Title");
@@ -59,7 +59,7 @@ TEST(BuiltinUserInputNum, QuestionsAndAnswers) {
         CTestOperator op;
         op.answer = c.ok ? OPERATOR_ANSWER_OK : OPERATOR_ANSWER_CANCEL;
         op.number = c.number;
-        TBUILTINIORUN run = Ask(c.text, &op);
+        TTESTRUN run = Ask(c.text, &op);
         EXPECT_EQ(run.code, 0u) << c.text << "\n" << run.output;
         EXPECT_EQ(run.output, c.output) << c.text;
         EXPECT_EQ(op.calls, 1) << c.text;
@@ -81,7 +81,7 @@ TEST(BuiltinUserInputNum, QuestionsAndAnswers) {
 TEST(BuiltinUserInputString, OkAndCancel) {
     CTestOperator op;
     op.text = std::string("ne\0w", 4);
-    TBUILTINIORUN run = Ask("var dword c; print(userinputstring(\"T\", \"P\", \"old\", &c), \",\", c);", &op);
+    TTESTRUN run = Ask("var dword c; print(userinputstring(\"T\", \"P\", \"old\", &c), \",\", c);", &op);
     EXPECT_EQ(run.output, "ne\\0w,1");
     EXPECT_EQ(op.initialText, "old");
     op.answer = OPERATOR_ANSWER_CANCEL;
@@ -93,7 +93,7 @@ TEST(BuiltinUserInputString, OkAndCancel) {
 TEST(BuiltinUserListInput, ItemsSelectionAndResults) {
     CTestOperator op;
     op.index = 2;
-    TBUILTINIORUN run = Ask("var dword c; print(userlistinput(\"T\", \"P\", \"one\\0two\\0three\\0\", 1, &c), \",\", c);", &op);
+    TTESTRUN run = Ask("var dword c; print(userlistinput(\"T\", \"P\", \"one\\0two\\0three\\0\", 1, &c), \",\", c);", &op);
     ASSERT_EQ(run.code, 0u) << run.output;
     EXPECT_EQ(run.output, "2,1");
     EXPECT_EQ(op.items, (std::vector<std::string>{"one", "two", "three"}));

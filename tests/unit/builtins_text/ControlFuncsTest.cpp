@@ -7,7 +7,7 @@
 
 #include "os/Platform.h"
 #include "script/ScriptErrors.h"
-#include "tests/unit/builtins_text/BuiltinTestRun.h"
+#include "tests/unit/TestSupport.h"
 
 TEST(BuiltinControl, DelayEndsOnAStopRequest) {
     CONXScriptRunContext context;
@@ -19,7 +19,7 @@ TEST(BuiltinControl, DelayEndsOnAStopRequest) {
             stoppedAt = OsTickCount();
             context.RequestStop();
         });
-        TBUILTINRUN run = BuiltinRun(text, "Z:\\tmp", &context);
+        TTESTRUN run = TestRun(text, &context);
         uint64_t late = OsTickCount() - stoppedAt;
         stopper.join();
         printf("[ measured ] %s ended %llu ms after the stop request\n", text, (unsigned long long)late);
@@ -31,23 +31,23 @@ TEST(BuiltinControl, DelayEndsOnAStopRequest) {
 
 TEST(BuiltinControl, DelayRunsOutOrIsCappedByTheLimits) {
     uint64_t start = OsTickCount();
-    TBUILTINRUN run = BuiltinRun("delay(50); print(\"after\"); delay(0);");
+    TTESTRUN run = TestRun("delay(50); print(\"after\"); delay(0);");
     EXPECT_EQ(run.code, 0u);
     EXPECT_EQ(run.output, "after");
     EXPECT_GE(OsTickCount() - start, 45u);
     // The low 32 bits count: 2^32 + 1 waits one millisecond.
     start = OsTickCount();
-    EXPECT_EQ(BuiltinRun("delay(4294967297);").code, 0u);
+    EXPECT_EQ(TestRun("delay(4294967297);").code, 0u);
     EXPECT_LT(OsTickCount() - start, 5000u);
     CONXScriptRunContext context;
     context.m_limits.maxDelayMs = 5;
     start = OsTickCount();
-    EXPECT_EQ(BuiltinRun("delay(4294967295); print(\"after\");", "Z:\\tmp", &context).output, "after");
+    EXPECT_EQ(TestRun("delay(4294967295); print(\"after\");", &context).output, "after");
     EXPECT_LT(OsTickCount() - start, 5000u);
 }
 
 TEST(BuiltinControl, ExitEndsTheWholeRunSilently) {
-    TBUILTINRUN run = BuiltinRun(
+    TTESTRUN run = TestRun(
         "func inner() { print(\"in\"); while (1) { exit(); } print(\"never\"); }\n"
         "func outer() { inner(); print(\"never\"); }\n"
         "print(\"a\"); outer(); print(\"never\");");
@@ -58,7 +58,7 @@ TEST(BuiltinControl, ExitEndsTheWholeRunSilently) {
 TEST(BuiltinControl, DateAndTimeOfTheLocalClock) {
     TOSLOCALTIME before, after;
     OsLocalTime(&before);
-    TBUILTINRUN run = BuiltinRun("print(getsysdate(), \" \", getsystime());");
+    TTESTRUN run = TestRun("print(getsysdate(), \" \", getsystime());");
     OsLocalTime(&after);
     ASSERT_EQ(run.code, 0u);
     // Day first, then month; the time within the run's second or the next.

@@ -8,28 +8,15 @@
 #include "script/ScriptErrors.h"
 #include "util/FileReplaceSeam.h"
 #include "scriptrt/FileNames.h"
-#include "tests/unit/builtins_text/BuiltinTestRun.h"
+#include "tests/unit/TestSupport.h"
 
 namespace {
 
-// A path as a script string literal: every backslash doubled.
-std::string Literal(const std::string& path) {
-    std::string out;
-    for (char c : path) {
-        if (c == '\\') out += "\\\\";
-        else out += c;
-    }
-    return out;
-}
-
-class BuiltinFile : public BuiltinScratch {
+class BuiltinFile : public ScratchTest {
 protected:
-    void TearDown() override {
-        ondutil::FileWritesFailAfter(-1);
-        BuiltinScratch::TearDown();
-    }
+    void TearDown() override { ondutil::FileWritesFailAfter(-1); }
     std::string Out(const std::string& text, CONXScriptRunContext* context = nullptr) {
-        TBUILTINRUN run = Run(text, context);
+        TTESTRUN run = TestRun(text, Dir(), context);
         EXPECT_EQ(run.code, 0u) << text << "\n" << run.output;
         return run.output;
     }
@@ -64,7 +51,7 @@ TEST_F(BuiltinFile, Write) {
         {kMissing, "\"a\\0b\"", "3", std::string("a\0b", 3)},
     };
     for (const auto& c : cases) {
-        std::filesystem::remove(m_native + "/a.txt");
+        std::filesystem::remove(Native("a.txt"));
         if (c.before) Write("a.txt", c.before);
         EXPECT_EQ(Out(std::string("print(writestringtofile(\"a.txt\", ") + c.arguments + "));"), c.written)
             << c.arguments;
@@ -93,7 +80,7 @@ TEST_F(BuiltinFile, AFailedWriteLeavesTheOldFile) {
 
 TEST_F(BuiltinFile, WriteThroughOneOfTwoHardLinksWritesTheSharedFile) {
     Write("a.txt", "old content");
-    std::filesystem::create_hard_link(m_native + "/a.txt", m_native + "/b.txt");
+    std::filesystem::create_hard_link(Native("a.txt"), Native("b.txt"));
     EXPECT_EQ(Out("print(writestringtofile(\"a.txt\", \"new\"));"), "3");
     EXPECT_EQ(Read("b.txt"), "new");
     EXPECT_EQ(FileCount(), 2u);
@@ -102,7 +89,7 @@ TEST_F(BuiltinFile, WriteThroughOneOfTwoHardLinksWritesTheSharedFile) {
 TEST_F(BuiltinFile, ReadAndSize) {
     Write("a.txt", "0123456");
     Write("empty.txt", "");
-    std::filesystem::create_directory(m_native + "/folder");
+    std::filesystem::create_directory(Native("folder"));
     EXPECT_EQ(Out("print(readstringfromfile(\"a.txt\"), \",\", readstringfromfile(\"a.txt\", 3, 2), \",\","
                   " readstringfromfile(\"a.txt\", 5, 100), \",\", readstringfromfile(\"a.txt\", 0x100000002), \",\","
                   " readstringfromfile(\"folder\"), \",\", readstringfromfile(\"missing.txt\"));"),
@@ -116,20 +103,20 @@ TEST_F(BuiltinFile, ReadBeyondTheStringLimitFails) {
     Write("big.txt", std::string(4096, 'x'));
     CONXScriptRunContext context;
     context.m_limits.maxStringBytes = 1000;
-    EXPECT_EQ(Run("var string s; s = readstringfromfile(\"big.txt\", 0, 1000);", &context).code, 0u);
-    EXPECT_EQ(Run("var string s; s = readstringfromfile(\"big.txt\");", &context).code,
+    EXPECT_EQ(TestRun("var string s; s = readstringfromfile(\"big.txt\", 0, 1000);", Dir(), &context).code, 0u);
+    EXPECT_EQ(TestRun("var string s; s = readstringfromfile(\"big.txt\");", Dir(), &context).code,
               SCRIPT_ERR_OUTOFMEMORY);
 }
 
 TEST_F(BuiltinFile, NamesResolveAgainstTheBaseDirectory) {
-    std::filesystem::create_directory(m_native + "/sub");
+    std::filesystem::create_directory(Native("sub"));
     Write("sub\\in.txt", "deep");
     EXPECT_EQ(Out("print(readstringfromfile(\"sub\\\\in.txt\"));"), "deep");
     // An absolute name is used as it is, a name after one backslash keeps the base's drive.
-    EXPECT_EQ(Out("print(readstringfromfile(\"" + Literal(Path("sub\\in.txt")) + "\"));"), "deep");
-    EXPECT_EQ(Out("print(readstringfromfile(\"" + Literal(Path("sub\\in.txt").substr(2)) + "\"));"), "deep");
-    EXPECT_EQ(Out("print(getbasepath());"), m_dir);
-    EXPECT_EQ(BuiltinRun("print(getbasepath());", "C:\\").output, "C:");
+    EXPECT_EQ(Out("print(readstringfromfile(\"" + TestLiteral(Path("sub\\in.txt")) + "\"));"), "deep");
+    EXPECT_EQ(Out("print(readstringfromfile(\"" + TestLiteral(Path("sub\\in.txt").substr(2)) + "\"));"), "deep");
+    EXPECT_EQ(Out("print(getbasepath());"), Dir());
+    EXPECT_EQ(TestRun("print(getbasepath());", "C:\\").output, "C:");
 }
 
 TEST(BuiltinFileNames, ResolutionRule) {
@@ -141,11 +128,11 @@ TEST(BuiltinFileNames, ResolutionRule) {
 }
 
 TEST_F(BuiltinFile, ConfinedToTheFileRoot) {
-    std::filesystem::create_directory(m_native + "/box");
+    std::filesystem::create_directory(Native("box"));
     CONXScriptRunContext context;
     context.m_limits.fileRoot = Path("box");
     Write("outside.txt", "secret");
-    std::string box = Literal(Path("box"));
+    std::string box = TestLiteral(Path("box"));
     std::string text =
         "print(writestringtofile(\"box\\\\in.txt\", \"ok\"), \",\", readstringfromfile(\"box\\\\in.txt\"), \",\","
         " writestringtofile(\"box\\\\..\\\\escaped.txt\", \"no\"), \",\", readstringfromfile(\"outside.txt\"), \",\","

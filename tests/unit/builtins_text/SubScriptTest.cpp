@@ -9,11 +9,11 @@
 #include "os/Platform.h"
 #include "script/ScriptErrors.h"
 #include "script/ScriptSysFunc.h"
-#include "tests/unit/builtins_text/BuiltinTestRun.h"
+#include "tests/unit/TestSupport.h"
 
 namespace {
 
-class BuiltinSubScript : public BuiltinScratch {};
+class BuiltinSubScript : public ScratchTest {};
 
 // A built-in that only a test registers: shows that a sub-script gets the
 // caller's factories.
@@ -32,17 +32,17 @@ void ProbeFactory(const TSCRIPTSYSFUNCENV& env, std::vector<CONXScriptSysFunc*>*
 }  // namespace
 
 TEST_F(BuiltinSubScript, RunsWithItsOwnBaseDirectory) {
-    std::filesystem::create_directory(m_native + "/sub");
+    std::filesystem::create_directory(Native("sub"));
     Write("sub\\s.dcs", "print(\"base=\", getbasepath(), \";\", readstringfromfile(\"data.txt\"), \"\\n\");");
     Write("sub\\data.txt", "beside");
-    TBUILTINRUN run = Run("print(\"a\\n\"); executesubscript(\"sub\\\\s.dcs\"); print(getbasepath(), \"\\n\");");
+    TTESTRUN run = TestRun("print(\"a\\n\"); executesubscript(\"sub\\\\s.dcs\"); print(getbasepath(), \"\\n\");", Dir());
     EXPECT_EQ(run.code, 0u);
-    EXPECT_EQ(run.output, "a\nbase=" + m_dir + "\\sub;beside\n" + m_dir + "\n");
+    EXPECT_EQ(run.output, "a\nbase=" + Dir() + "\\sub;beside\n" + Dir() + "\n");
 }
 
 TEST_F(BuiltinSubScript, FailuresOfTheCall) {
     Write("lib.dcs", "func add(var int32 a, var int32 b) { add = a + b; }");
-    std::filesystem::create_directory(m_native + "/folder");
+    std::filesystem::create_directory(Native("folder"));
     struct {
         const char* text;
         uint32_t code;
@@ -56,7 +56,7 @@ TEST_F(BuiltinSubScript, FailuresOfTheCall) {
         {"executesubscript(\"folder\");", SCRIPT_ERR_SYSFUNC, false},
     };
     for (const auto& c : cases) {
-        TBUILTINRUN run = Run(c.text);
+        TTESTRUN run = TestRun(c.text, Dir());
         EXPECT_EQ(run.code, c.code) << c.text;
         EXPECT_EQ(run.output.find("in subscript \"") != std::string::npos, c.named) << run.output;
     }
@@ -67,11 +67,11 @@ TEST_F(BuiltinSubScript, SharesFactoriesLimitsAndVariablesStayApart) {
     CONXScriptRunContext context;
     context.m_sysFuncFactories = {ScriptRuntimeFactory, ProbeFactory};
     context.m_limits.maxDelayMs = 1;
-    TBUILTINRUN run = Run("executesubscript(\"s.dcs\");", &context);
+    TTESTRUN run = TestRun("executesubscript(\"s.dcs\");", Dir(), &context);
     EXPECT_EQ(run.code, 0u);
     EXPECT_EQ(run.output, "probed3");
     Write("v.dcs", "print(secret);");
-    TBUILTINRUN apart = Run("var int32 secret; executesubscript(\"v.dcs\");");
+    TTESTRUN apart = TestRun("var int32 secret; executesubscript(\"v.dcs\");", Dir());
     EXPECT_EQ(apart.code, SCRIPT_ERR_UNKNOWNIDENT);
 }
 
@@ -88,7 +88,7 @@ TEST_F(BuiltinSubScript, StopRequestReachesTheSubScript) {
             stoppedAt = OsTickCount();
             context.RequestStop();
         });
-        TBUILTINRUN run = Run(std::string("executesubscript(\"") + name + "\"); print(\"never\");", &context);
+        TTESTRUN run = TestRun(std::string("executesubscript(\"") + name + "\"); print(\"never\");", Dir(), &context);
         uint64_t late = OsTickCount() - stoppedAt;
         stopper.join();
         printf("[ measured ] %s ended %llu ms after the stop request\n", name, (unsigned long long)late);
@@ -106,7 +106,7 @@ TEST_F(BuiltinSubScript, BoundedRunsShareTheirSteps) {
     CONXScriptRunContext context;
     context.m_limits.maxSteps = 20000;
     uint64_t start = OsTickCount();
-    TBUILTINRUN run = Run("while (1) { executesubscript(\"busy.dcs\"); }", &context);
+    TTESTRUN run = TestRun("while (1) { executesubscript(\"busy.dcs\"); }", Dir(), &context);
     EXPECT_EQ(run.code, SCRIPT_ERR_ABORTED);
     EXPECT_LT(OsTickCount() - start, 20000u);
 }
@@ -115,12 +115,12 @@ TEST_F(BuiltinSubScript, SelfCallingSubScriptRunsOutOfStackCleanly) {
     Write("self.dcs", "executesubscript(\"self.dcs\");");
     struct TJOB {
         std::string directory;
-        TBUILTINRUN run;
-    } job = {m_dir, {}};
+        TTESTRUN run;
+    } job = {Dir(), {}};
     COsThread worker;  // a small stack: the end comes soon
     ASSERT_TRUE(worker.Start(65536, [](void* p) {
         TJOB* j = static_cast<TJOB*>(p);
-        j->run = BuiltinRun("executesubscript(\"self.dcs\");", j->directory);
+        j->run = TestRun("executesubscript(\"self.dcs\");", j->directory);
     }, &job, OS_STACK_WHOLE));
     worker.Join();
     EXPECT_EQ(job.run.code, SCRIPT_ERR_OUTOFMEMORY);

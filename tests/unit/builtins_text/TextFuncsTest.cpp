@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/unit/builtins_text/BuiltinTestRun.h"
+#include "tests/unit/TestSupport.h"
 
 namespace {
 
@@ -60,7 +60,7 @@ TEST(BuiltinText, Values) {
         {"var dword d; d = 0xFFFFFFFF:U; print(dwordtostr(d), \",\", numtostr(d));", "4294967295,4294967295"},
     };
     for (const auto& c : cases) {
-        TBUILTINRUN run = BuiltinRun(c.text);
+        TTESTRUN run = TestRun(c.text);
         EXPECT_EQ(run.code, 0u) << c.text << "\n" << run.output;
         EXPECT_EQ(run.output, c.expected) << c.text;
     }

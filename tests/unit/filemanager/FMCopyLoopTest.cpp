@@ -3,9 +3,7 @@
 // continue-on-error, and aborts.
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstdio>
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -15,8 +13,7 @@
 #include "host/serial/SerialChannel.h"
 #include "host/sim/SimDevice.h"
 #include "os/Platform.h"
-
-namespace fs = std::filesystem;
+#include "tests/unit/TestSupport.h"
 
 namespace {
 
@@ -46,24 +43,14 @@ public:
     int ended = 0;
 };
 
-class FMCopyLoop : public ::testing::Test {
+class FMCopyLoop : public ScratchTest {
 protected:
-    void SetUp() override {
-        auto stamp = std::chrono::steady_clock::now().time_since_epoch().count();
-        m_native = "ond_fm_copy_" + std::to_string(stamp);
-        ASSERT_TRUE(fs::create_directory(m_native));
-        ASSERT_TRUE(OsFullPathName(m_native.c_str(), &m_dir));
-    }
-    void TearDown() override {
-        std::error_code ec;
-        fs::remove_all(m_native, ec);
-    }
     // count files "f<i>.bin" of i + 1 bytes, ids 10 + i, types i, mode normal.
     TFILEENTRYLIST MakeFiles(size_t count) {
         TFILEENTRYLIST files;
         for (size_t i = 0; i < count; ++i) {
             TFILEENTRY entry;
-            entry.path = m_dir + "\\f" + std::to_string(i) + ".bin";
+            entry.path = Dir() + "\\f" + std::to_string(i) + ".bin";
             FILE* f = OsOpenFile(entry.path.c_str(), "wb");
             EXPECT_NE(f, nullptr);
             if (f) {
@@ -78,7 +65,6 @@ protected:
         }
         return files;
     }
-    std::string m_native, m_dir;
 };
 
 std::vector<uint32_t> Upto(uint32_t last) {

@@ -2,15 +2,12 @@
 // records, the properties dialog's numbers, and job files through the rows.
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstdio>
-#include <filesystem>
 #include <string>
 
 #include "filemanager/FMRows.h"
 #include "os/Platform.h"
-
-namespace fs = std::filesystem;
+#include "tests/unit/TestSupport.h"
 
 TEST(FMRows, DefaultsOfANewFile) {
     struct {
@@ -108,45 +105,18 @@ TEST(FMRows, PropertyNumbers) {
     }
 }
 
-namespace {
-
-class FMJobRows : public ::testing::Test {
-protected:
-    void SetUp() override {
-        auto stamp = std::chrono::steady_clock::now().time_since_epoch().count();
-        m_native = "ond_fm_jobrows_" + std::to_string(stamp);
-        ASSERT_TRUE(fs::create_directory(m_native));
-        ASSERT_TRUE(OsFullPathName(m_native.c_str(), &m_dir));
-    }
-    void TearDown() override {
-        std::error_code ec;
-        fs::remove_all(m_native, ec);
-    }
-    std::string Read(const std::string& path) {
-        std::string out;
-        FILE* f = OsOpenFile(path.c_str(), "rb");
-        if (!f) return "<missing>";
-        char buffer[4096];
-        size_t n;
-        while ((n = fread(buffer, 1, sizeof buffer, f)) > 0) out.append(buffer, n);
-        fclose(f);
-        return out;
-    }
-    std::string m_native, m_dir;
-};
-
-}  // namespace
+using FMJobRows = ScratchTest;
 
 // Rows as the list holds them go out as a job file and come back the same:
 // odd paths (blanks, 259 and 260 characters, bytes above 127), inside and
 // outside the job's folder.
 TEST_F(FMJobRows, RoundTripThroughTheList) {
-    std::string job = m_dir + "\\list.dcj";
+    std::string job = Dir() + "\\list.dcj";
     TFMROWLIST rows = {
-        ondfm::DefaultRow(m_dir + "\\with blanks  .bin"),
-        ondfm::DefaultRow(m_dir + "\\" + std::string(259 - m_dir.size() - 1, 'a')),  // 259
+        ondfm::DefaultRow(Dir() + "\\with blanks  .bin"),
+        ondfm::DefaultRow(Dir() + "\\" + std::string(259 - Dir().size() - 1, 'a')),  // 259
         ondfm::DefaultRow("C:\\" + std::string(257, 'b')),                         // 260
-        ondfm::DefaultRow(m_dir + "\\\xE4\xF6\xFC\xDF \xB0.RBF"),
+        ondfm::DefaultRow(Dir() + "\\\xE4\xF6\xFC\xDF \xB0.RBF"),
         {"D:\\other\\x.bin", "300", "abc", "Bit Reverse"},
     };
     ASSERT_EQ(rows[1].path.size(), 259u);
@@ -154,7 +124,7 @@ TEST_F(FMJobRows, RoundTripThroughTheList) {
     ASSERT_TRUE(ondfm::SaveJobRows(job.c_str(), rows));
     // Inside the job's folder a bare name is written; the numbers are what
     // the rows read as.
-    std::string text = Read(job);
+    std::string text = ReadPath(job);
     EXPECT_NE(text.find("with blanks  .bin\t0\t1\tnormal\n"), std::string::npos) << text;
     EXPECT_NE(text.find("\xE4\xF6\xFC\xDF \xB0.RBF\t0\t1\tprogram\n"), std::string::npos);
     EXPECT_NE(text.find("D:\\other\\x.bin\t44\t1\tbit reverse\n"), std::string::npos);
@@ -173,15 +143,15 @@ TEST_F(FMJobRows, RoundTripThroughTheList) {
     EXPECT_EQ(loaded[4].fileMode, "bit reverse");
 
     // Saved again from the loaded rows: byte for byte the same file.
-    std::string again = m_dir + "\\again.dcj";
+    std::string again = Dir() + "\\again.dcj";
     ASSERT_TRUE(ondfm::SaveJobRows(again.c_str(), loaded));
-    EXPECT_EQ(Read(again), text);
+    EXPECT_EQ(ReadPath(again), text);
 }
 
 TEST_F(FMJobRows, AFileThatCannotBeReadKeepsTheRows) {
     TFMROWLIST rows = {{"keep", "1", "2", "program"}};
-    EXPECT_FALSE(ondfm::LoadJobRows((m_dir + "\\missing.dcj").c_str(), &rows));
+    EXPECT_FALSE(ondfm::LoadJobRows((Dir() + "\\missing.dcj").c_str(), &rows));
     ASSERT_EQ(rows.size(), 1u);
     EXPECT_EQ(rows[0].path, "keep");
-    EXPECT_FALSE(ondfm::SaveJobRows((m_dir + "\\no\\such\\folder\\x.dcj").c_str(), rows));
+    EXPECT_FALSE(ondfm::SaveJobRows((Dir() + "\\no\\such\\folder\\x.dcj").c_str(), rows));
 }

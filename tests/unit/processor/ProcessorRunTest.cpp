@@ -35,11 +35,11 @@ protected:
     void SetUp() override { processor.Connect(&device); }
     EONX_ERR_ERRCODE_ Run(const std::string& text) {
         output.clear();
-        return processor.ExecuteScript(text.c_str(), nullptr, ProcessorCollect, &output);
+        return processor.ExecuteScript(text.c_str(), nullptr, TestCollect, &output);
     }
     CSimDevice device;
     CONXScriptProcessor processor;
-    CProcessorScratch scratch;
+    CTestScratch scratch;
     std::string output;
 };
 
@@ -67,44 +67,44 @@ TEST_F(ProcessorRun, ErrorClassBitsDecide) {
 }
 
 TEST_F(ProcessorRun, FileArgumentsAndChannelChecks) {
-    EXPECT_EQ(processor.ExecuteScriptFile("", ProcessorCollect, &output), EONX_ERR_EMPTYPATH);
-    EXPECT_EQ(processor.ExecuteScriptFile(nullptr, ProcessorCollect, &output), EONX_ERR_EMPTYPATH);
+    EXPECT_EQ(processor.ExecuteScriptFile("", TestCollect, &output), EONX_ERR_EMPTYPATH);
+    EXPECT_EQ(processor.ExecuteScriptFile(nullptr, TestCollect, &output), EONX_ERR_EMPTYPATH);
     EXPECT_EQ(device.CallCount("Lock"), 0u);  // an empty path never reaches the channel
 
-    std::string missing = (scratch.Dir() / "missing.dcs").string();
-    EXPECT_EQ(processor.ExecuteScriptFile(missing.c_str(), ProcessorCollect, &output),
+    std::string missing = scratch.Native("missing.dcs").string();
+    EXPECT_EQ(processor.ExecuteScriptFile(missing.c_str(), TestCollect, &output),
               EONX_ERR_FILEOPEN);
     EXPECT_EQ(device.CallCount("Lock"), 1u);
     EXPECT_EQ(device.CallCount("Unlock"), 1u);
     EXPECT_EQ(device.LockOwner(), nullptr);
 
     // A full name beyond 260 characters cannot be resolved.
-    std::string tooLong = (scratch.Dir() / (std::string(270, 'a') + ".dcs")).string();
-    EXPECT_EQ(processor.ExecuteScriptFile(tooLong.c_str(), ProcessorCollect, &output),
+    std::string tooLong = scratch.Native(std::string(270, 'a') + ".dcs").string();
+    EXPECT_EQ(processor.ExecuteScriptFile(tooLong.c_str(), TestCollect, &output),
               EONX_ERR_FILEOPEN);
     EXPECT_EQ(device.LockCount(), 0u);
 
     CONXScriptProcessor unconnected;
-    std::string path = scratch.Write("a.dcs", "print(1);");
-    EXPECT_EQ(unconnected.ExecuteScriptFile(path.c_str(), ProcessorCollect, &output),
+    std::string path = ProcessorWrite(scratch, "a.dcs", "print(1);");
+    EXPECT_EQ(unconnected.ExecuteScriptFile(path.c_str(), TestCollect, &output),
               EONX_ERR_NOCHANNEL);
-    EXPECT_EQ(unconnected.ExecuteScript("print(1);", nullptr, ProcessorCollect, &output),
+    EXPECT_EQ(unconnected.ExecuteScript("print(1);", nullptr, TestCollect, &output),
               EONX_ERR_NOCHANNEL);
     EXPECT_EQ(output, "");
 }
 
 TEST_F(ProcessorRun, EmptyFileRunsAsEmptyScript) {
-    std::string path = scratch.Write("empty.dcs", "");
-    EXPECT_EQ(processor.ExecuteScriptFile(path.c_str(), ProcessorCollect, &output), EONX_ERR_NONE);
+    std::string path = ProcessorWrite(scratch, "empty.dcs", "");
+    EXPECT_EQ(processor.ExecuteScriptFile(path.c_str(), TestCollect, &output), EONX_ERR_NONE);
     EXPECT_EQ(output, "");
 }
 
 TEST_F(ProcessorRun, FileBytesRunAsTheyAreWithBaseDirectory) {
-    std::string path = scratch.Write("crlf.dcs", "print(\"x\");\r\nprint(\"y\\n\");\r\n");
-    EXPECT_EQ(processor.ExecuteScriptFile(path.c_str(), ProcessorCollect, &output), EONX_ERR_NONE);
+    std::string path = ProcessorWrite(scratch, "crlf.dcs", "print(\"x\");\r\nprint(\"y\\n\");\r\n");
+    EXPECT_EQ(processor.ExecuteScriptFile(path.c_str(), TestCollect, &output), EONX_ERR_NONE);
     EXPECT_EQ(output, "xy\n");
     std::string expected;
-    ASSERT_TRUE(OsFullPathName(scratch.Dir().string().c_str(), &expected));
+    ASSERT_TRUE(OsFullPathName(scratch.Native().string().c_str(), &expected));
     // The folder of the script, without a trailing separator.
     EXPECT_EQ(processor.GetRunContext()->GetBaseDirectory(), expected);
     EXPECT_NE(expected.back(), '\\');
@@ -124,7 +124,7 @@ TEST_F(ProcessorRun, ChannelIsHeldOnceForTextAndForFiles) {
     EXPECT_EQ(seen.lockCount, 1u);
     EXPECT_EQ(seen.lockOwner, static_cast<void*>(&processor));
 
-    std::string path = scratch.Write("lock.dcs", "print(\"f\");");
+    std::string path = ProcessorWrite(scratch, "lock.dcs", "print(\"f\");");
     EXPECT_EQ(processor.ExecuteScriptFile(path.c_str(), NoteLock, &seen), EONX_ERR_NONE);
     EXPECT_EQ(seen.lockCount, 1u);
     EXPECT_EQ(seen.lockOwner, static_cast<void*>(&processor));
@@ -135,9 +135,9 @@ TEST_F(ProcessorRun, ChannelIsHeldOnceForTextAndForFiles) {
 TEST_F(ProcessorRun, AnotherOwnerHoldingTheChannelFailsTheRunAfterTheWait) {
     int other;
     ASSERT_EQ(device.Lock(&other, 0), 0);
-    std::string path = scratch.Write("a.dcs", "print(\"never\");");
+    std::string path = ProcessorWrite(scratch, "a.dcs", "print(\"never\");");
     uint64_t start = OsTickCount();
-    EXPECT_EQ(processor.ExecuteScriptFile(path.c_str(), ProcessorCollect, &output), EONX_ERR_LOCKED);
+    EXPECT_EQ(processor.ExecuteScriptFile(path.c_str(), TestCollect, &output), EONX_ERR_LOCKED);
     EXPECT_GE(OsTickCount() - start, 450u);  // it waited for the owner, not just tried once
     EXPECT_EQ(Run("print(\"never\");"), EONX_ERR_LOCKED);
     EXPECT_EQ(output, "");
@@ -182,15 +182,15 @@ TEST_F(ProcessorRun, OutOfMemoryInsideTheObjectBecomesACode) {
     CThrowingDevice throwing;
     processor.Connect(&throwing);
     EXPECT_EQ(Run("print(1);"), EONX_ERR_OUTOFMEMORY);
-    std::string path = scratch.Write("a.dcs", "print(1);");
-    EXPECT_EQ(processor.ExecuteScriptFile(path.c_str(), ProcessorCollect, &output),
+    std::string path = ProcessorWrite(scratch, "a.dcs", "print(1);");
+    EXPECT_EQ(processor.ExecuteScriptFile(path.c_str(), TestCollect, &output),
               EONX_ERR_OUTOFMEMORY);
 }
 
 #ifndef _WIN32
 // A pipe has no size to read up to.
 TEST_F(ProcessorRun, UnreadableFileLengthFailsWithReadError) {
-    std::string fifo = (scratch.Dir() / "pipe.dcs").string();
+    std::string fifo = scratch.Native("pipe.dcs").string();
     ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
     // The reader may close before the writer writes: a failed write, not a signal.
     signal(SIGPIPE, SIG_IGN);
@@ -201,7 +201,7 @@ TEST_F(ProcessorRun, UnreadableFileLengthFailsWithReadError) {
             fclose(f);
         }
     });
-    EXPECT_EQ(processor.ExecuteScriptFile(fifo.c_str(), ProcessorCollect, &output),
+    EXPECT_EQ(processor.ExecuteScriptFile(fifo.c_str(), TestCollect, &output),
               EONX_ERR_FILEREAD);
     writer.join();
     EXPECT_EQ(device.LockCount(), 0u);

@@ -1,49 +1,19 @@
-// Shared pieces of the Script Processor tests: a scratch folder, collected
-// output, and a built-in that ends the run with a chosen code.
+// Shared pieces of the Script Processor tests: script files in a scratch
+// folder and a built-in that ends the run with a chosen code.
 #pragma once
 
-#include <atomic>
-#include <cstdio>
-#include <filesystem>
-#include <random>
 #include <string>
 
 #include "host/sim/SimDevice.h"
 #include "script/ScriptSysFunc.h"
 #include "script/ScriptValue.h"
 #include "scriptrt/ScriptProcessor.h"
+#include "tests/unit/TestSupport.h"
 
-// A fresh folder below the system's temporary folder, removed with the object.
-class CProcessorScratch {
-public:
-    CProcessorScratch() {
-        static std::atomic<int> serial{0};
-        std::random_device random;
-        m_dir = std::filesystem::temp_directory_path() /
-                ("ondproc_" + std::to_string(random()) + "_" + std::to_string(serial++));
-        std::filesystem::create_directories(m_dir);
-    }
-    ~CProcessorScratch() {
-        std::error_code ec;
-        std::filesystem::remove_all(m_dir, ec);
-    }
-    const std::filesystem::path& Dir() const { return m_dir; }
-    std::string Write(const std::string& name, const std::string& bytes) const {
-        std::filesystem::path path = m_dir / name;
-        FILE* f = fopen(path.string().c_str(), "wb");
-        if (f) {
-            fwrite(bytes.data(), 1, bytes.size(), f);
-            fclose(f);
-        }
-        return path.string();
-    }
-
-private:
-    std::filesystem::path m_dir;
-};
-
-inline void ProcessorCollect(void* context, const char* text) {
-    static_cast<std::string*>(context)->append(text);
+// Writes name into the scratch folder; gives its path as the host's own file API writes it.
+inline std::string ProcessorWrite(const CTestScratch& scratch, const std::string& name, const std::string& bytes) {
+    scratch.Write(name, bytes);
+    return scratch.Native(name).string();
 }
 
 // "raise(n)": ends the run with the error code n (as "exit" does with its own).

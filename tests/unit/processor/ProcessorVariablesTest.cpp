@@ -40,7 +40,7 @@ protected:
     void SetUp() override { processor.Connect(&device); }
     EONX_ERR_ERRCODE_ Run(const std::string& text) {
         output.clear();
-        return processor.ExecuteScript(text.c_str(), nullptr, ProcessorCollect, &output);
+        return processor.ExecuteScript(text.c_str(), nullptr, TestCollect, &output);
     }
     CSimDevice device;
     CONXScriptProcessor processor;
@@ -117,7 +117,7 @@ TEST_F(ProcessorVariables, CallKeepsTheRecordAsymmetry) {
               EONX_ERR_NONE);
     std::string text = "S = S - 1; T = T + \"!\";";
     EXPECT_EQ(processor.Call(ONX_SCRIPTCMD_EXECUTE, (uint64_t)(uintptr_t)text.c_str(),
-                             (uint64_t)(uintptr_t)&ProcessorCollect, (uint64_t)(uintptr_t)&output, 0),
+                             (uint64_t)(uintptr_t)&TestCollect, (uint64_t)(uintptr_t)&output, 0),
               EONX_ERR_NONE);
     // Reading back: the number itself in the value field, the length in 64 bits.
     TONX_SCRIPTVARIABLE get[] = {Query("s"), Query("t")};
@@ -142,10 +142,10 @@ TEST_F(ProcessorVariables, CallKeepsTheRecordAsymmetry) {
 }
 
 TEST_F(ProcessorVariables, CallRunsFilesAndPassesOtherCommandsOn) {
-    CProcessorScratch scratch;
-    std::string path = scratch.Write("call.dcs", "print(\"file\");");
+    CTestScratch scratch;
+    std::string path = ProcessorWrite(scratch, "call.dcs", "print(\"file\");");
     EXPECT_EQ(processor.Call(ONX_SCRIPTCMD_EXECUTEFILE, (uint64_t)(uintptr_t)path.c_str(),
-                             (uint64_t)(uintptr_t)&ProcessorCollect, (uint64_t)(uintptr_t)&output, 0),
+                             (uint64_t)(uintptr_t)&TestCollect, (uint64_t)(uintptr_t)&output, 0),
               EONX_ERR_NONE);
     EXPECT_EQ(output, "file");
     EXPECT_EQ(processor.Call(0x1004, 1, 2, 3, 4), EONX_ERR_NONE);

@@ -12,7 +12,7 @@
 #include "script/ScriptExec.h"
 #include "script/ScriptFunc.h"
 #include "script/ScriptValue.h"
-#include "ScriptTestRun.h"
+#include "tests/unit/TestSupport.h"
 
 namespace {
 
@@ -38,7 +38,7 @@ TEST(ScriptParser, BuildsNamedStatementObjects) {
 
 TEST(ScriptEngine, FunctionNameInsideABlockIsACall) {
     // Inside an if block the function's name is no result target: it is a call without "(".
-    EXPECT_EQ(ScriptTestRun("func f() { if (1) { f = 1; } }").code, SCRIPT_ERR_UNEXPECTEDTOKEN);
+    EXPECT_EQ(TestRun("func f() { if (1) { f = 1; } }").code, SCRIPT_ERR_UNEXPECTEDTOKEN);
 }
 
 // A thread that requests a stop of the run on context after ms milliseconds.
@@ -53,13 +53,13 @@ TEST(ScriptEngine, StopRequestEndsALoop) {
     CONXScriptRunContext context;
     context.m_sysFuncFactories.push_back(ScriptRuntimeFactory);
     std::thread stopper = StopAfter(&context, 50);
-    TSCRIPTTESTRUN r = ScriptTestRun("while (1) { }", &context);
+    TTESTRUN r = TestRun("while (1) { }", &context);
     stopper.join();
     EXPECT_EQ(r.code, SCRIPT_ERR_ABORTED);
     EXPECT_EQ(r.output.rfind("Processing aborted near line 1/", 0), 0u) << r.output;
     EXPECT_NE(r.output.find("during executing\n"), std::string::npos);
     // The next run resets the event.
-    EXPECT_EQ(ScriptTestRun("print(1);", &context).code, 0u);
+    EXPECT_EQ(TestRun("print(1);", &context).code, 0u);
 }
 
 TEST(ScriptEngine, StopRequestEndsALoopInsideAFunctionOfNumbers) {
@@ -69,7 +69,7 @@ TEST(ScriptEngine, StopRequestEndsALoopInsideAFunctionOfNumbers) {
     CONXScriptRunContext context;
     context.m_sysFuncFactories.push_back(ScriptRuntimeFactory);
     std::thread stopper = StopAfter(&context, 50);
-    TSCRIPTTESTRUN r = ScriptTestRun(
+    TTESTRUN r = TestRun(
         "func spin(var int32 n) {\n  while (1) {\n    n += 1;\n  }\n  spin = n;\n}\nvar int32 x;\nx = "
         "spin(0);",
         &context);
@@ -95,7 +95,7 @@ TEST(ScriptEngine, LoopsOfNumbersLeaveTheirVariablesAsTheOrdinaryRunDoes) {
     std::thread stopper = StopAfter(&context, 50);
     const char* endless = "while (1) {\n  counter += 1;\n}";
     uint32_t code = RunScript(&context, endless,
-                              {.externals = &externals, .output = ScriptTestCollect, .outputContext = &out});
+                              {.externals = &externals, .output = TestCollect, .outputContext = &out});
     stopper.join();
     EXPECT_EQ(code, SCRIPT_ERR_ABORTED);
     EXPECT_GT(counter.GetNumber(), 0u);
@@ -108,14 +108,14 @@ TEST(ScriptEngine, LoopsOfNumbersLeaveTheirVariablesAsTheOrdinaryRunDoes) {
     out.clear();
     code = RunScript(&context,
                      "var int64 q; while (counter < 10) { counter += 1; if (counter == 4) { q = 1 / 0; } }",
-                     {.externals = &externals, .output = ScriptTestCollect, .outputContext = &out});
+                     {.externals = &externals, .output = TestCollect, .outputContext = &out});
     EXPECT_EQ(code, SCRIPT_ERR_DIVZERO);
     EXPECT_EQ(counter.GetNumber(), 4u);
     // Done: the value goes back with the variable's own type.
     counter.SetType(SCRIPT_TYPE_UINT32);
     ASSERT_EQ(counter.SetNumber(0xFFFFFFFEu, 0), 0u);
     EXPECT_EQ(RunScript(&context, "var int32 i; while (i < 3) { counter += 1; i += 1; }",
-                        {.externals = &externals, .output = ScriptTestCollect, .outputContext = &out}),
+                        {.externals = &externals, .output = TestCollect, .outputContext = &out}),
               0u);
     EXPECT_EQ(counter.GetType(), (uint32_t)SCRIPT_TYPE_UINT32);
     EXPECT_EQ(counter.GetNumber(), 1u);
@@ -132,16 +132,16 @@ TEST(ScriptEngine, StepBudgetCountsTheSameWithAndWithoutShortcuts) {
         "var int32 x; var int32 k; while (k < 7) { if (k & 1) { x += fib(k); } k += 1; }\n"
         "x = count(20) + fib(6) + x; print(x);";
     CONXScriptRunContext unlimited;
-    ASSERT_EQ(ScriptTestRun(text, &unlimited).output, "36");
+    ASSERT_EQ(TestRun(text, &unlimited).output, "36");
     uint64_t needed = unlimited.m_stats.steps;
     for (uint64_t budget = needed - 80; budget <= needed + 1; budget++) {
         CONXScriptRunContext context;
         context.m_limits.maxSteps = budget;
         g_ScriptFastPath = false;
-        TSCRIPTTESTRUN reading = ScriptTestRun(text, &context);
+        TTESTRUN reading = TestRun(text, &context);
         uint64_t readingSteps = context.m_stats.steps;
         g_ScriptFastPath = true;
-        TSCRIPTTESTRUN fast = ScriptTestRun(text, &context);
+        TTESTRUN fast = TestRun(text, &context);
         EXPECT_EQ(fast.code, reading.code) << "budget " << budget;
         EXPECT_EQ(fast.output, reading.output) << "budget " << budget;
         EXPECT_EQ(context.m_stats.steps, readingSteps) << "budget " << budget;
@@ -174,13 +174,13 @@ TEST(ScriptEngine, FailedNativeRunsAreNotRetriedAtEveryLevel) {
         struct TJOB {
             const char* text;
             CONXScriptRunContext context;
-            TSCRIPTTESTRUN result;
+            TTESTRUN result;
         } job;
         job.text = c.text;
         COsThread thread;  // a host's thread: room for every level of the ordinary run
         ASSERT_TRUE(thread.Start((size_t(16) << 20) * kOsStackScale, [](void* p) {
             TJOB* j = static_cast<TJOB*>(p);
-            j->result = ScriptTestRun(j->text, &j->context);
+            j->result = TestRun(j->text, &j->context);
         }, &job, OS_STACK_WHOLE));
         thread.Join();
         EXPECT_EQ(job.result.code, c.code) << c.text;
@@ -193,10 +193,10 @@ TEST(ScriptEngine, FailedNativeRunsAreNotRetriedAtEveryLevel) {
 TEST(ScriptEngine, StepBudgetEndsEndlessLoops) {
     CONXScriptRunContext context;
     context.m_limits.maxSteps = 1000;
-    TSCRIPTTESTRUN r = ScriptTestRun("var int32 i; while (1) { i += 1; }", &context);
+    TTESTRUN r = TestRun("var int32 i; while (1) { i += 1; }", &context);
     EXPECT_EQ(r.code, SCRIPT_ERR_ABORTED);
     context.m_limits.maxSteps = 100000;
-    EXPECT_EQ(ScriptTestRun("var int32 i; while (i < 100) { i += 1; } print(i);", &context).output, "100");
+    EXPECT_EQ(TestRun("var int32 i; while (i < 100) { i += 1; } print(i);", &context).output, "100");
 }
 
 TEST(ScriptEngine, ExternalVariablesAndFunctionRuns) {
@@ -208,7 +208,7 @@ TEST(ScriptEngine, ExternalVariablesAndFunctionRuns) {
     std::vector<CONXScriptVariable*> externals = {&counter};
     std::string out;
     uint32_t code = RunScript(&context, "counter += 1;",
-                              {.externals = &externals, .output = ScriptTestCollect, .outputContext = &out});
+                              {.externals = &externals, .output = TestCollect, .outputContext = &out});
     EXPECT_EQ(code, 0u);
     EXPECT_EQ(counter.GetNumber(), 42u);
     // Running one function of a program with arguments converted to its parameters.
@@ -216,7 +216,7 @@ TEST(ScriptEngine, ExternalVariablesAndFunctionRuns) {
     ASSERT_EQ(arg.SetNumber(20, SCRIPT_TYPE_INT64), 0u);
     std::vector<CONXScriptVariable*> args = {&arg};
     code = RunScript(&context, "var int32 g; print(\"main\"); func twice(var int32 a) { twice = a * 2 + g; }",
-                     {.output = ScriptTestCollect, .outputContext = &out, .functionName = "TWICE",
+                     {.output = TestCollect, .outputContext = &out, .functionName = "TWICE",
                       .functionArguments = &args, .result = &result});
     EXPECT_EQ(code, 0u);
     EXPECT_EQ(out, "");  // the main statements do not run

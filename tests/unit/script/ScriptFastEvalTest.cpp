@@ -5,12 +5,12 @@
 #include <string>
 
 #include "script/ScriptErrors.h"
-#include "ScriptTestRun.h"
+#include "tests/unit/TestSupport.h"
 
 namespace {
 
 std::string Out(const std::string& text) {
-    TSCRIPTTESTRUN r = ScriptTestRun(text);
+    TTESTRUN r = TestRun(text);
     EXPECT_EQ(r.code, 0u) << r.output;
     return r.output;
 }
@@ -40,7 +40,7 @@ TEST(ScriptFastEval, DeepExpressionsAndLaterFailures) {
     for (int i = 0; i < 40; i++) deep += ")";
     deep += "; print(x);";
     EXPECT_EQ(Out(deep), "41");
-    TSCRIPTTESTRUN r = ScriptTestRun("var int32 i; var int32 x; while (i < 3) { x = 6 / (2 - i); print(x, \",\"); i += 1; }");
+    TTESTRUN r = TestRun("var int32 i; var int32 x; while (i < 3) { x = 6 / (2 - i); print(x, \",\"); i += 1; }");
     EXPECT_EQ(r.code, SCRIPT_ERR_DIVZERO);
     EXPECT_EQ(r.output, "3,6,Division by 0 error near line 1/column 58 (offset 57) during executing\n");
 }

@@ -7,7 +7,7 @@
 #include "script/ScriptRun.h"
 #include "script/ScriptValue.h"
 #include "scriptrt/SysFuncTable.h"
-#include "ScriptTestRun.h"
+#include "tests/unit/TestSupport.h"
 
 namespace {
 
@@ -37,7 +37,7 @@ TEST(ScriptParseOnly, ReadsWithoutRunning) {
         context.m_sysFuncFactories.push_back(ScriptRuntimeFactory);
         std::string output;
         EXPECT_EQ(RunScript(&context, c.text,
-                            {.output = ScriptTestCollect, .outputContext = &output, .parseOnly = true}),
+                            {.output = TestCollect, .outputContext = &output, .parseOnly = true}),
                   c.code)
             << c.text;
         EXPECT_EQ(output, c.output) << c.text;

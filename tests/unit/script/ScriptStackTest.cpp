@@ -8,19 +8,19 @@
 #include "os/Platform.h"
 #include "os/StackScale.h"
 #include "script/ScriptErrors.h"
-#include "ScriptTestRun.h"
+#include "tests/unit/TestSupport.h"
 
 namespace {
 
 struct TJOB {
     std::string text;
     uint32_t reserve;
-    TSCRIPTTESTRUN result;
+    TTESTRUN result;
 };
 
 // reserve: the stack kept free for the error path; a small one leaves the
 // code between two checks no slack to hide in.
-TSCRIPTTESTRUN RunOnWorkerStack(const std::string& text, size_t stack = 65536,
+TTESTRUN RunOnWorkerStack(const std::string& text, size_t stack = 65536,
                                 uint32_t reserve = TSCRIPTLIMITS().stackReserveBytes) {
     TJOB job;
     job.text = text;
@@ -30,7 +30,7 @@ TSCRIPTTESTRUN RunOnWorkerStack(const std::string& text, size_t stack = 65536,
         TJOB* j = static_cast<TJOB*>(p);
         CONXScriptRunContext context;
         context.m_limits.stackReserveBytes = j->reserve;
-        j->result = ScriptTestRun(j->text, &context);
+        j->result = TestRun(j->text, &context);
     }, &job, OS_STACK_WHOLE));
     thread.Join();
     return job.result;
@@ -42,7 +42,7 @@ std::string Repeat(const char* piece, int n) {
     return s;
 }
 
-void ExpectOutOfStack(const TSCRIPTTESTRUN& r, const char* phase) {
+void ExpectOutOfStack(const TTESTRUN& r, const char* phase) {
     EXPECT_EQ(r.code, SCRIPT_ERR_OUTOFMEMORY);
     EXPECT_EQ(r.output.rfind("out of memory error near line ", 0), 0u) << r.output;
     if (phase) {
@@ -92,7 +92,7 @@ TEST(ScriptStack, AThousandLevelsFitAMebibyte) {
     for (const char* kind : kinds) {
         std::string f = std::string("func f(var int64 n) { var int64 r; ") + kind +
                         "r = 0; if (n > 0) { r = 1 + f(n - 1); } f = r; }\n";
-        TSCRIPTTESTRUN r = RunOnWorkerStack(f + "print(f(1000));", 1 << 20);
+        TTESTRUN r = RunOnWorkerStack(f + "print(f(1000));", 1 << 20);
         EXPECT_EQ(r.code, 0u) << kind << r.output;
         EXPECT_EQ(r.output, "1000");
         ExpectOutOfStack(RunOnWorkerStack(f + "print(f(100000));", 1 << 20), "executing");
@@ -101,7 +101,7 @@ TEST(ScriptStack, AThousandLevelsFitAMebibyte) {
 
 TEST(ScriptStack, OrdinaryDepthStillWorks) {
     // fib(15): 15 levels of user calls, each through an if/else block.
-    TSCRIPTTESTRUN r = RunOnWorkerStack(
+    TTESTRUN r = RunOnWorkerStack(
         "func fib(var int32 n) { var int32 r; if (n < 2) { r = n; } else { r = fib(n - 1) + fib(n - 2); } "
         "fib = r; }\nprint(fib(15));");
     EXPECT_EQ(r.code, 0u) << r.output;

@@ -4,47 +4,19 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <atomic>
-#include <cstdio>
 #include <filesystem>
-#include <random>
 #include <string>
 
 #include "host/sim/SimDevice.h"
 #include "host/sim/SimDeviceFolder.h"
+#include "tests/unit/TestSupport.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
-class SimFolder : public ::testing::Test {
+class SimFolder : public ScratchTest {
 protected:
-    SimFolder() {
-        static std::atomic<int> serial{0};
-        std::random_device random;
-        dir = fs::temp_directory_path() /
-              ("ondsimfolder_" + std::to_string(random()) + "_" + std::to_string(serial++));
-        fs::create_directories(dir);
-    }
-    ~SimFolder() override {
-        std::error_code ec;
-        fs::remove_all(dir, ec);
-    }
-    void Write(const std::string& name, const std::string& bytes) {
-        FILE* f = std::fopen((dir / name).string().c_str(), "wb");
-        ASSERT_NE(f, nullptr);
-        std::fwrite(bytes.data(), 1, bytes.size(), f);
-        std::fclose(f);
-    }
-    std::string Read(const fs::path& path) {
-        std::string bytes;
-        FILE* f = std::fopen(path.string().c_str(), "rb");
-        if (!f) return "<none>";
-        int c;
-        while ((c = std::fgetc(f)) != EOF) bytes += char(c);
-        std::fclose(f);
-        return bytes;
-    }
     std::string Names(const fs::path& folder) {
         std::vector<std::string> names;
         for (const auto& e : fs::directory_iterator(folder)) names.push_back(e.path().filename().string());
@@ -59,7 +31,6 @@ protected:
         if (type) *type = f.fileType;
         return f.data;
     }
-    fs::path dir;
 };
 
 }  // namespace
@@ -110,10 +81,10 @@ TEST_F(SimFolder, LoadsFilesAndTheProgramAndSavesThemBack) {
     Write("0-0", "");
     Write("program.bin", "image");
     Write(".hidden", "passed over");
-    fs::create_directories(dir / "sub");
+    fs::create_directories(Native() / "sub");
     CSimDevice sim;
     std::string error;
-    ASSERT_TRUE(LoadSimFolder(&sim, dir.string(), &error)) << error;
+    ASSERT_TRUE(LoadSimFolder(&sim, Native().string(), &error)) << error;
     uint8_t type = 0;
     EXPECT_EQ(Stored(&sim, 3, &type), "hello");
     EXPECT_EQ(type, 1);
@@ -129,10 +100,10 @@ TEST_F(SimFolder, LoadsFilesAndTheProgramAndSavesThemBack) {
                                          1, 1),
               0);
     ASSERT_EQ(sim.DeleteDeviceFile(3), 0);
-    fs::path out = dir / "out";
+    fs::path out = Native("out");
     ASSERT_TRUE(SaveSimFolder(&sim, out.string(), &error)) << error;
     EXPECT_EQ(Names(out), "000-0.bin 009-2.bin 012-7.bin program.bin ");
-    EXPECT_EQ(Read(out / "009-2.bin"), "\x80");
+    EXPECT_EQ(Read("out\\009-2.bin"), "\x80");
     CSimDevice again;
     ASSERT_TRUE(LoadSimFolder(&again, out.string(), &error)) << error;
     EXPECT_EQ(Stored(&again, 9), "\x80");
@@ -147,9 +118,9 @@ TEST_F(SimFolder, ASaveReplacesWhatTheRuleNamesAndKeepsOtherFiles) {
     CSimDevice sim;
     ASSERT_EQ(sim.TransmitFileFromMemory("four", 4, 4, 1, 0, nullptr, nullptr, 1, 1), 0);
     std::string error;
-    ASSERT_TRUE(SaveSimFolder(&sim, dir.string(), &error)) << error;
-    EXPECT_EQ(Names(dir), "004-1.bin notes.txt ");
-    EXPECT_EQ(Read(dir / "notes.txt"), "mine");
+    ASSERT_TRUE(SaveSimFolder(&sim, Native().string(), &error)) << error;
+    EXPECT_EQ(Names(Native()), "004-1.bin notes.txt ");
+    EXPECT_EQ(Read("notes.txt"), "mine");
 }
 
 TEST_F(SimFolder, RefusesWhatTheRuleDoesNotCover) {
@@ -164,21 +135,21 @@ TEST_F(SimFolder, RefusesWhatTheRuleDoesNotCover) {
     };
     for (const auto& c : cases) {
         std::error_code ec;
-        for (const auto& e : fs::directory_iterator(dir)) fs::remove(e.path(), ec);
+        for (const auto& e : fs::directory_iterator(Native())) fs::remove(e.path(), ec);
         for (const auto& f : c.files) Write(f.first, f.second);
         CSimDevice::TConfig small;
         small.blockCount = 4;
         small.blockSize = 64;
         CSimDevice sim(small);
         std::string error;
-        EXPECT_FALSE(LoadSimFolder(&sim, dir.string(), &error));
+        EXPECT_FALSE(LoadSimFolder(&sim, Native().string(), &error));
         EXPECT_NE(error.find(c.message), std::string::npos) << error;
     }
     CSimDevice sim;
     std::string error;
-    EXPECT_FALSE(LoadSimFolder(&sim, (dir / "missing").string(), &error));
+    EXPECT_FALSE(LoadSimFolder(&sim, (Native() / "missing").string(), &error));
     EXPECT_NE(error.find("cannot read the folder"), std::string::npos) << error;
     // A folder that cannot be made.
     Write("plain", "x");
-    EXPECT_FALSE(SaveSimFolder(&sim, (dir / "plain" / "below").string(), &error));
+    EXPECT_FALSE(SaveSimFolder(&sim, (Native() / "plain" / "below").string(), &error));
 }

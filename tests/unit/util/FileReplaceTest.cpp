@@ -3,7 +3,6 @@
 // the system's temporary folder (which every user may enter).
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <functional>
@@ -22,6 +21,7 @@
 #include "os/Platform.h"
 #include "util/FileReplace.h"
 #include "util/FileReplaceSeam.h"
+#include "tests/unit/TestSupport.h"
 
 namespace fs = std::filesystem;
 
@@ -46,45 +46,9 @@ std::pair<uint64_t, uint64_t> FileId(const fs::path& path) {
 #endif
 }
 
-class FileReplace : public ::testing::Test {
+class FileReplace : public ScratchTest {
 protected:
-    void SetUp() override {
-        static int counter = 0;
-        auto stamp = std::chrono::steady_clock::now().time_since_epoch().count();
-        m_native = fs::temp_directory_path() /
-                   ("ond_replace_" + std::to_string(stamp) + "_" + std::to_string(++counter));
-        ASSERT_TRUE(fs::create_directory(m_native));
-        ASSERT_TRUE(OsFullPathName(m_native.string().c_str(), &m_dir));
-    }
-    void TearDown() override {
-        ondutil::FileWritesFailAfter(-1);
-        std::error_code ec;
-        fs::permissions(m_native, fs::perms::owner_all, fs::perm_options::add, ec);
-        fs::remove_all(m_native, ec);
-    }
-    std::string Path(const std::string& name) const { return m_dir + "\\" + name; }
-    fs::path Native(const std::string& name) const { return m_native / name; }
-    void Write(const std::string& name, const std::string& bytes) {
-        FILE* f = OsOpenFile(Path(name).c_str(), "wb");
-        ASSERT_NE(f, nullptr) << name;
-        ASSERT_EQ(fwrite(bytes.data(), 1, bytes.size(), f), bytes.size());
-        fclose(f);
-    }
-    std::string Read(const std::string& name) const {
-        FILE* f = OsOpenFile(Path(name).c_str(), "rb");
-        if (!f) return "<missing>";
-        std::string out;
-        char buffer[256];
-        size_t n;
-        while ((n = fread(buffer, 1, sizeof buffer, f)) > 0) out.append(buffer, n);
-        fclose(f);
-        return out;
-    }
-    size_t FileCount() const {
-        size_t n = 0;
-        for (auto& e : fs::directory_iterator(m_native)) (void)e, ++n;
-        return n;
-    }
+    void TearDown() override { ondutil::FileWritesFailAfter(-1); }
     // Writes "new" over a.txt; true when the call says the file holds it.
     bool Replace(const std::string& name = "a.txt") {
         bool complete = false;
@@ -93,8 +57,6 @@ protected:
         return complete;
     }
 
-    fs::path m_native;
-    std::string m_dir;
 #ifdef _WIN32
     HANDLE m_held = INVALID_HANDLE_VALUE;
 #endif
@@ -167,7 +129,7 @@ TEST_F(FileReplace, WritesInPlaceWhereASwapWouldNotKeepTheFile) {
 #endif
     for (TCASE& c : cases) {
         SCOPED_TRACE(c.what);
-        for (auto& e : fs::directory_iterator(m_native)) fs::remove(e.path());
+        for (auto& e : fs::directory_iterator(Native())) fs::remove(e.path());
         Write("a.txt", "old content");
         const auto before = FileId(Native("a.txt"));
         c.before();
@@ -191,7 +153,7 @@ TEST_F(FileReplace, WritesInPlaceWhenTheFolderTakesNoNewFile) {
         ASSERT_EQ(chown(Native("a.txt").c_str(), 65534, 65534), 0);
     }
     ASSERT_EQ(chmod(Native("a.txt").c_str(), 0666), 0);
-    ASSERT_EQ(chmod(m_native.c_str(), 0555), 0);
+    ASSERT_EQ(chmod(Native().c_str(), 0555), 0);
     bool complete = false;
     if (root) {
         fflush(nullptr);

@@ -1,9 +1,6 @@
-// Job files: FillEntry, LoadJobFile, SaveJobFile Files live in
-// a scratch folder under the current directory, addressed in the module's
-// backslash form (OsFullPathName: "Z:\..." natively, "X:\..." under Windows).
+// Job files: FillEntry, LoadJobFile, SaveJobFile, in a scratch folder.
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <string>
@@ -13,48 +10,15 @@
 #include "util/JobFile.h"
 #include "util/FileReplaceSeam.h"
 #include "util/PathUtil.h"
+#include "tests/unit/TestSupport.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
-class JobFileDir : public ::testing::Test {
+class JobFileDir : public ScratchTest {
 protected:
-    void SetUp() override {
-        static int counter = 0;
-        auto stamp = std::chrono::steady_clock::now().time_since_epoch().count();
-        m_native = "ond_util_jobtest_" + std::to_string(stamp) + "_" + std::to_string(++counter);
-        ASSERT_TRUE(fs::create_directory(m_native));
-        ASSERT_TRUE(OsFullPathName(m_native.c_str(), &m_dir));
-        ASSERT_TRUE(ondutil::IsAbsolutePath(m_dir)) << m_dir;
-    }
-    void TearDown() override {
-        ondutil::FileWritesFailAfter(-1);
-        std::error_code ec;
-        fs::remove_all(m_native, ec);
-    }
-    std::string Path(const std::string& name) const { return m_dir + "\\" + name; }
-    void Write(const std::string& name, const std::string& bytes) {
-        FILE* f = OsOpenFile(Path(name).c_str(), "wb");
-        ASSERT_NE(f, nullptr);
-        ASSERT_EQ(fwrite(bytes.data(), 1, bytes.size(), f), bytes.size());
-        fclose(f);
-    }
-    std::string Read(const std::string& name) {
-        std::string out;
-        FILE* f = OsOpenFile(Path(name).c_str(), "rb");
-        if (!f) return "<missing>";
-        char buffer[4096];
-        size_t n;
-        while ((n = fread(buffer, 1, sizeof buffer, f)) > 0) out.append(buffer, n);
-        fclose(f);
-        return out;
-    }
-    size_t FileCount() {
-        size_t n = 0;
-        for (auto& e : fs::directory_iterator(m_native)) (void)e, ++n;
-        return n;
-    }
+    void TearDown() override { ondutil::FileWritesFailAfter(-1); }
     std::vector<TFILEENTRY> Load(const std::string& content) {
         Write("job.dcj", content);
         std::vector<TFILEENTRY> list;
@@ -76,9 +40,6 @@ protected:
         EXPECT_EQ(e.fileMode, mode);
         EXPECT_EQ(e.reserved, 0u);
     }
-
-    std::string m_native;  // the folder as the test program's own file API sees it
-    std::string m_dir;     // the same folder in the module's form
 };
 
 class UtilLoadJobFile : public JobFileDir {};
@@ -233,7 +194,7 @@ TEST_F(UtilLoadJobFile, ParentPathsResolve) {
     auto list = Load("..\\up.bin\t3\t4\tnormal\n");
     ASSERT_EQ(list.size(), 1u);
     std::string parent, file;
-    ondutil::SplitFileName(m_dir, &parent, &file);
+    ondutil::SplitFileName(Dir(), &parent, &file);
     EXPECT_EQ(list[0].path, parent + "\\up.bin");
 }
 
@@ -268,7 +229,7 @@ TEST_F(UtilSaveJobFile, SaveWritesBareNamesInItsFolderAndLoadRestoresThem) {
 
 TEST_F(UtilSaveJobFile, SaveOutsideTheFolder) {
     std::string parent, file;
-    ondutil::SplitFileName(m_dir, &parent, &file);
+    ondutil::SplitFileName(Dir(), &parent, &file);
     std::vector<TFILEENTRY> list = {Entry("Q:\\other\\x.bin", 1, 1, 0), Entry(parent + "\\up.bin", 2, 2, 0),
                                     Entry("rel.bin", 3, 3, 0)};
     ASSERT_EQ(ondutil::SaveJobFile(Path("job.dcj").c_str(), &list), 1);
@@ -291,7 +252,7 @@ TEST_F(UtilSaveJobFile, SaveEmptyListAndReplaceExisting) {
 
 TEST_F(UtilSaveJobFile, SaveThroughOneOfTwoHardLinksWritesTheSharedFile) {
     Write("job.dcj", "old content\n");
-    fs::create_hard_link(m_native + "/job.dcj", m_native + "/other.dcj");
+    fs::create_hard_link(Native("job.dcj"), Native("other.dcj"));
     std::vector<TFILEENTRY> list = {Entry(Path("a.bin"), 1, 2, 0)};
     ASSERT_EQ(ondutil::SaveJobFile(Path("job.dcj").c_str(), &list), 1);
     EXPECT_EQ(Read("other.dcj"), "a.bin\t1\t2\tnormal\n");
