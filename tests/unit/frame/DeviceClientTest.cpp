@@ -24,20 +24,13 @@ TEST(FrameDeviceClient, ParameterOperationsAnswerMinusOneAndTouchNothing) {
     }
 }
 
-TEST(FrameDeviceClient, CallOnTerminalAndFileManagerDoesNothing) {
+TEST(FrameDeviceClient, CallDoesNothingAndWithoutADialogCloseFails) {
     CONXTerminal terminal;
     CONXFileManager fileManager;
     EXPECT_EQ(terminal.Call(0x1000, 1, 2, 3, 4), EONX_ERR_NONE);
     EXPECT_EQ(fileManager.Call(0xFFFFFFFF, 0, 0, 0, 0), EONX_ERR_NONE);
-}
-
-TEST(FrameDeviceClient, NoDialogMeansCloseFailsAndNothingIsOpen) {
-    CONXTerminal terminal;
     EXPECT_EQ(terminal.CloseDialogNonModal(), EONX_ERR_DIALOG);
     EXPECT_FALSE(terminal.IsNonModalDialogOpen());
-    CSimDevice channel;
-    EXPECT_EQ(terminal.Connect(&channel), EONX_ERR_NONE);
-    EXPECT_EQ(terminal.Connect(nullptr), EONX_ERR_NONE);
 }
 
 namespace {

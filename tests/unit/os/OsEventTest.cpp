@@ -5,6 +5,7 @@
 #include <string>
 
 #include "os/Platform.h"
+#include "tests/unit/TestSupport.h"
 
 TEST(OsEvent, ManualResetStaysSetUntilReset) {
     COsEvent event;
@@ -41,25 +42,22 @@ TEST(OsThread, SmallStackThreadSignalsWaiter) {
 }
 
 TEST(OsFiles, ReplaceOverwritesAndFullPathIsAbsolute) {
-    std::string dir;
-    ASSERT_TRUE(OsFullPathName("replace_test_dest.txt", &dir));
-    EXPECT_EQ(dir[1], ':');  // backslash form with a drive on every platform
-    EXPECT_NE(dir.find('\\'), std::string::npos);
-    FILE* f = OsOpenFile("replace_test_dest.txt", "wb");
+    // A relative name: the backslash form with a drive on every platform, the same file.
+    std::string full;
+    ASSERT_TRUE(OsFullPathName("ond_os_files.txt", &full));
+    EXPECT_EQ(full[1], ':');
+    EXPECT_NE(full.find('\\'), std::string::npos);
+    FILE* f = OsOpenFile("ond_os_files.txt", "wb");
     ASSERT_NE(f, nullptr);
-    fputs("old", f);
+    fputs("rel", f);
     fclose(f);
-    f = OsOpenFile("replace_test_tmp.txt", "wb");
-    ASSERT_NE(f, nullptr);
-    fputs("new", f);
-    fclose(f);
-    ASSERT_TRUE(OsReplaceFile("replace_test_tmp.txt", "replace_test_dest.txt"));
-    f = OsOpenFile(dir.c_str(), "rb");  // the full path opens the same file
-    ASSERT_NE(f, nullptr);
-    char buf[8] = {};
-    EXPECT_EQ(fread(buf, 1, sizeof buf, f), 3u);
-    fclose(f);
-    EXPECT_STREQ(buf, "new");
-    EXPECT_TRUE(OsRemoveFile("replace_test_dest.txt"));
-    EXPECT_EQ(OsOpenFile("replace_test_tmp.txt", "rb"), nullptr);
+    EXPECT_EQ(CTestScratch::ReadPath(full), "rel");
+    EXPECT_TRUE(OsRemoveFile("ond_os_files.txt"));
+
+    CTestScratch scratch;
+    ASSERT_TRUE(scratch.Write("dest.txt", "old"));
+    ASSERT_TRUE(scratch.Write("tmp.txt", "new"));
+    ASSERT_TRUE(OsReplaceFile(scratch.Path("tmp.txt").c_str(), scratch.Path("dest.txt").c_str()));
+    EXPECT_EQ(scratch.Read("dest.txt"), "new");
+    EXPECT_EQ(scratch.FileCount(), 1u);
 }

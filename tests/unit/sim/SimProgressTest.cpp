@@ -1,13 +1,13 @@
 // Progress reporting of the simulated device's transfers, and aborts.
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "host/sim/SimDevice.h"
 #include "os/Platform.h"
+#include "tests/unit/TestSupport.h"
 
 namespace {
 
@@ -89,11 +89,9 @@ TEST(SimProgress, AbortStopsAtOnceAndStoresNothing) {
 
 TEST(SimProgress, AbortOfALocalFileAndOfAProgram) {
     CSimDevice dev;
-    std::string path = ::testing::TempDir() + "sim_progress_local.bin";
-    FILE* f = fopen(path.c_str(), "wb");
-    ASSERT_NE(f, nullptr);
-    fputs("content", f);
-    fclose(f);
+    CTestScratch scratch;
+    ASSERT_TRUE(scratch.Write("local.bin", "content"));
+    const std::string path = scratch.Native("local.bin").string();
     TRecorder rec;
     rec.abortAt = 40;  // even the very last step can abort
     EXPECT_EQ(dev.TransmitFile(path.c_str(), 3, 0, 0, Record, &rec, 1, 40), SIMDEV_ERR_ABORTED);
@@ -103,7 +101,6 @@ TEST(SimProgress, AbortOfALocalFileAndOfAProgram) {
     prog.abortAt = 2;
     EXPECT_EQ(dev.TransmitFile(path.c_str(), 3, 0, SIMDEV_MODE_PROGRAM, Record, &prog, 1, 40),
               SIMDEV_ERR_ABORTED);
-    remove(path.c_str());
     EXPECT_FALSE(dev.HasProgram());
 }
 

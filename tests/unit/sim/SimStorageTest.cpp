@@ -2,11 +2,12 @@
 // storage, delete, the two formats and the directory snapshot.
 #include <gtest/gtest.h>
 
-#include <cstdio>
+#include <filesystem>
 #include <string>
 #include <vector>
 
 #include "host/sim/SimDevice.h"
+#include "tests/unit/TestSupport.h"
 
 namespace {
 
@@ -216,14 +217,11 @@ TEST_F(SimStorage, FullFormatErasesEveryBlockAndTheProgram) {
 }
 
 TEST_F(SimStorage, TransmitFileReadsTheLocalFile) {
-    std::string path = ::testing::TempDir() + "sim_storage_local.bin";
-    const std::string content("local\0file\xff", 11);
-    FILE* f = fopen(path.c_str(), "wb");
-    ASSERT_NE(f, nullptr);
-    ASSERT_EQ(fwrite(content.data(), 1, content.size(), f), content.size());
-    fclose(f);
+    CTestScratch scratch;
+    const std::string content("local\0file\xff", 11), path = scratch.Native("local.bin").string();
+    ASSERT_TRUE(scratch.Write("local.bin", content));
     ASSERT_EQ(dev.TransmitFile(path.c_str(), 12, 3, 0, nullptr, nullptr, 1, 100), 0);
-    remove(path.c_str());
+    std::filesystem::remove(path);
     EXPECT_EQ(Stored(12), content);
     CSimDevice::TTransfer last = dev.LastTransfer();
     EXPECT_EQ(last.localPath, path);
