@@ -30,18 +30,7 @@ void NoteLock(void* context, const char* text) {
     seen->lockOwner = seen->device->LockOwner();
 }
 
-class ProcessorRun : public ::testing::Test {
-protected:
-    void SetUp() override { processor.Connect(&device); }
-    EONX_ERR_ERRCODE_ Run(const std::string& text) {
-        output.clear();
-        return processor.ExecuteScript(text.c_str(), nullptr, TestCollect, &output);
-    }
-    CSimDevice device;
-    CONXScriptProcessor processor;
-    CTestScratch scratch;
-    std::string output;
-};
+using ProcessorRun = ProcessorTest;
 
 }  // namespace
 
@@ -93,13 +82,10 @@ TEST_F(ProcessorRun, FileArgumentsAndChannelChecks) {
     EXPECT_EQ(output, "");
 }
 
-TEST_F(ProcessorRun, EmptyFileRunsAsEmptyScript) {
-    std::string path = ProcessorWrite(scratch, "empty.dcs", "");
-    EXPECT_EQ(processor.ExecuteScriptFile(path.c_str(), TestCollect, &output), EONX_ERR_NONE);
-    EXPECT_EQ(output, "");
-}
-
 TEST_F(ProcessorRun, FileBytesRunAsTheyAreWithBaseDirectory) {
+    std::string empty = ProcessorWrite(scratch, "empty.dcs", "");
+    EXPECT_EQ(processor.ExecuteScriptFile(empty.c_str(), TestCollect, &output), EONX_ERR_NONE);
+    EXPECT_EQ(output, "");
     std::string path = ProcessorWrite(scratch, "crlf.dcs", "print(\"x\");\r\nprint(\"y\\n\");\r\n");
     EXPECT_EQ(processor.ExecuteScriptFile(path.c_str(), TestCollect, &output), EONX_ERR_NONE);
     EXPECT_EQ(output, "xy\n");

@@ -1,5 +1,5 @@
-// Shared pieces of the Script Processor tests: script files in a scratch
-// folder and a built-in that ends the run with a chosen code.
+// Shared pieces of the Script Processor tests: a connected processor, script
+// files in a scratch folder and a built-in that ends the run with a chosen code.
 #pragma once
 
 #include <string>
@@ -15,6 +15,20 @@ inline std::string ProcessorWrite(const CTestScratch& scratch, const std::string
     scratch.Write(name, bytes);
     return scratch.Native(name).string();
 }
+
+// A Script Processor connected to a simulated device; Run collects the output.
+class ProcessorTest : public ::testing::Test {
+protected:
+    void SetUp() override { processor.Connect(&device); }
+    EONX_ERR_ERRCODE_ Run(const std::string& text) {
+        output.clear();
+        return processor.ExecuteScript(text.c_str(), nullptr, TestCollect, &output);
+    }
+    CSimDevice device;
+    CONXScriptProcessor processor;
+    CTestScratch scratch;
+    std::string output;
+};
 
 // "raise(n)": ends the run with the error code n (as "exit" does with its own).
 class CProcessorRaise : public CONXScriptSysFunc {

@@ -35,17 +35,7 @@ TONX_SCRIPTVARIABLE Query(const char* name) {
     return r;
 }
 
-class ProcessorVariables : public ::testing::Test {
-protected:
-    void SetUp() override { processor.Connect(&device); }
-    EONX_ERR_ERRCODE_ Run(const std::string& text) {
-        output.clear();
-        return processor.ExecuteScript(text.c_str(), nullptr, TestCollect, &output);
-    }
-    CSimDevice device;
-    CONXScriptProcessor processor;
-    std::string output;
-};
+using ProcessorVariables = ProcessorTest;
 
 }  // namespace
 
@@ -142,7 +132,6 @@ TEST_F(ProcessorVariables, CallKeepsTheRecordAsymmetry) {
 }
 
 TEST_F(ProcessorVariables, CallRunsFilesAndPassesOtherCommandsOn) {
-    CTestScratch scratch;
     std::string path = ProcessorWrite(scratch, "call.dcs", "print(\"file\");");
     EXPECT_EQ(processor.Call(ONX_SCRIPTCMD_EXECUTEFILE, (uint64_t)(uintptr_t)path.c_str(),
                              (uint64_t)(uintptr_t)&TestCollect, (uint64_t)(uintptr_t)&output, 0),
