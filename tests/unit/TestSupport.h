@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <random>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -96,6 +97,13 @@ inline TTESTRUN TestRun(const std::string& text, const std::string& directory = 
 
 inline TTESTRUN TestRun(const std::string& text, CONXScriptRunContext* context) {
     return TestRun(text, "Z:\\tmp", context);
+}
+
+// The progress steps 0 to last, as a transfer reports them.
+inline std::vector<uint32_t> TestUpto(uint32_t last) {
+    std::vector<uint32_t> v;
+    for (uint32_t i = 0; i <= last; ++i) v.push_back(i);
+    return v;
 }
 
 // A path written into a script's string literal: backslashes doubled.

@@ -32,12 +32,6 @@ int32_t Record(void* context, uint32_t stepsDone) {
     return stepsDone == r->abortAt ? 1 : 0;
 }
 
-std::vector<uint32_t> Upto(uint32_t last) {
-    std::vector<uint32_t> v;
-    for (uint32_t i = 0; i <= last; ++i) v.push_back(i);
-    return v;
-}
-
 int32_t Send(CSimDevice& dev, uint8_t id, const std::string& data, TRecorder* rec,
              uint32_t steps) {
     return dev.TransmitFileFromMemory(data.data(), data.size(), id, 1, 0, Record, rec,
@@ -50,11 +44,11 @@ TEST(SimProgress, ReportsEveryStepFromZeroInclusiveOnTheCallingThread) {
     CSimDevice dev;
     TRecorder rec;
     ASSERT_EQ(Send(dev, 1, "payload", &rec, ONDCOMM_STEPS_SCRIPT), 0);
-    EXPECT_EQ(rec.steps, Upto(40));
+    EXPECT_EQ(rec.steps, TestUpto(40));
     for (std::thread::id id : rec.threads) EXPECT_EQ(id, std::this_thread::get_id());
     TRecorder one;
     ASSERT_EQ(Send(dev, 2, "", &one, 1), 0);
-    EXPECT_EQ(one.steps, Upto(1));
+    EXPECT_EQ(one.steps, TestUpto(1));
 }
 
 TEST(SimProgress, CallbackMayUseTheChannel) {
@@ -73,7 +67,7 @@ TEST(SimProgress, AbortStopsAtOnceAndStoresNothing) {
     TRecorder rec;
     rec.abortAt = 5;
     EXPECT_EQ(Send(dev, 1, std::string(10000, 'n'), &rec, 40), SIMDEV_ERR_ABORTED);
-    EXPECT_EQ(rec.steps, Upto(5));
+    EXPECT_EQ(rec.steps, TestUpto(5));
     CSimDevice::TStoredFile kept;
     ASSERT_TRUE(dev.GetStoredFile(1, &kept));
     EXPECT_EQ(kept.data, "old");
@@ -83,7 +77,7 @@ TEST(SimProgress, AbortStopsAtOnceAndStoresNothing) {
     TRecorder first;
     first.abortAt = 0;
     EXPECT_EQ(Send(dev, 2, "x", &first, 40), SIMDEV_ERR_ABORTED);
-    EXPECT_EQ(first.steps, Upto(0));
+    EXPECT_EQ(first.steps, TestUpto(0));
     EXPECT_FALSE(dev.GetStoredFile(2, nullptr));
 }
 
@@ -95,7 +89,7 @@ TEST(SimProgress, AbortOfALocalFileAndOfAProgram) {
     TRecorder rec;
     rec.abortAt = 40;  // even the very last step can abort
     EXPECT_EQ(dev.TransmitFile(path.c_str(), 3, 0, 0, Record, &rec, 1, 40), SIMDEV_ERR_ABORTED);
-    EXPECT_EQ(rec.steps, Upto(40));
+    EXPECT_EQ(rec.steps, TestUpto(40));
     EXPECT_FALSE(dev.GetStoredFile(3, nullptr));
     TRecorder prog;
     prog.abortAt = 2;
@@ -142,6 +136,6 @@ TEST(SimProgress, StepDelayMakesTransfersSlow) {
     // 21 steps after 5 ms each: 105 ms; half of it allows for coarse clocks,
     // and a transfer without the delay takes no time at all.
     EXPECT_GE(OsTickCount() - start, 50u);
-    EXPECT_EQ(rec.steps, Upto(20));
+    EXPECT_EQ(rec.steps, TestUpto(20));
     EXPECT_TRUE(dev.GetStoredFile(1, nullptr));
 }
