@@ -171,12 +171,4 @@ TEST(ScriptLexer, LiteralConversion) {
     EXPECT_EQ(bad.SetFromLiteral("x", SCRIPT_TOK_IDENT), SCRIPT_ERR_TYPE);
 }
 
-TEST(ScriptLexer, TypeNamesIgnoreCase) {
-    EXPECT_EQ(TypeCodeOfName("DWORD"), 1u);
-    EXPECT_EQ(TypeCodeOfName("Int64"), 5u);
-    EXPECT_EQ(TypeCodeOfName("STRING"), 2u);
-    EXPECT_EQ(TypeCodeOfName("long"), 3u);
-    EXPECT_EQ(TypeCodeOfName("short"), 0u);
-}
-
 }  // namespace
