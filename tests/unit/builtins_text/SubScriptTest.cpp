@@ -1,4 +1,5 @@
 // "executesubscript" and "executesubscriptfunc": scripts in a scratch folder.
+// The base directory of a sub-script and its diagnostics are conformance scripts.
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -30,15 +31,6 @@ void ProbeFactory(const TSCRIPTSYSFUNCENV& env, std::vector<CONXScriptSysFunc*>*
 }
 
 }  // namespace
-
-TEST_F(BuiltinSubScript, RunsWithItsOwnBaseDirectory) {
-    std::filesystem::create_directory(Native("sub"));
-    Write("sub\\s.dcs", "print(\"base=\", getbasepath(), \";\", readstringfromfile(\"data.txt\"), \"\\n\");");
-    Write("sub\\data.txt", "beside");
-    TTESTRUN run = TestRun("print(\"a\\n\"); executesubscript(\"sub\\\\s.dcs\"); print(getbasepath(), \"\\n\");", Dir());
-    EXPECT_EQ(run.code, 0u);
-    EXPECT_EQ(run.output, "a\nbase=" + Dir() + "\\sub;beside\n" + Dir() + "\n");
-}
 
 TEST_F(BuiltinSubScript, FailuresOfTheCall) {
     Write("lib.dcs", "func add(var int32 a, var int32 b) { add = a + b; }");
