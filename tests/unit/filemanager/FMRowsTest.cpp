@@ -42,14 +42,11 @@ TEST(FMRows, RowsReadBackAsRecords) {
         uint8_t fileId, fileType;
         uint32_t fileMode;
     } cases[] = {
+        // The scan and the mode words are the job file's (util tests); here the defaults.
         {"7", "9", "normal", 7, 9, FILEMODE_NORMAL},
-        {"abc", "abc", "program", 0, 1, FILEMODE_PROGRAM},  // no number: ID 0, type 1
-        {"", "", "", 0, 1, FILEMODE_NORMAL},
+        {"abc", "", "program", 0, 1, FILEMODE_PROGRAM},  // no number: ID 0, type 1
         {"300", "511", "bit reverse", 44, 255, FILEMODE_BITREVERSE},  // low 8 bits
-        {"  12abc", "\t3", "BIT REVERSE", 12, 3, FILEMODE_BITREVERSE},
-        {"4294967297", "256", "PrOgRaM", 1, 0, FILEMODE_PROGRAM},  // wraps in 32 bits first
-        {"-1", "+5", "Program ", 255, 5, FILEMODE_NORMAL},  // a trailing blank is another word
-        {"1", "1", "bit  reverse", 1, 1, FILEMODE_NORMAL},
+        {"  12abc", "\t3", "", 12, 3, FILEMODE_NORMAL},
     };
     for (const auto& c : cases) {
         TFILEENTRY entry = ondfm::EntryFromRow(TFMROW{"C:\\f.bin", c.id, c.type, c.mode});
@@ -94,9 +91,7 @@ TEST(FMRows, PropertyNumbers) {
         bool ok;
         uint8_t value;
     } cases[] = {
-        {"300", true, 44},  {"12abc", true, 12}, {"   7", true, 7}, {"0", true, 0},
-        {"255", true, 255}, {"256", true, 0},    {"abc", false, 0}, {"", false, 0},
-        {" ", false, 0},    {"x12", false, 0},
+        {"300", true, 44}, {"255", true, 255}, {"12abc", true, 12}, {" ", false, 0}, {"x12", false, 0},
     };
     for (const auto& c : cases) {
         uint8_t value = 99;

@@ -170,8 +170,6 @@ TEST_F(UtilLoadJobFile, Cases) {
         {"a.bin\t1\t2\tprogram\nc.bin\t5\t6", {{"*a.bin", 1, 2, 2}, {"*c.bin", 5, 0, 0}}},
         {"c.bin\t5", {{"*c.bin", 0, 1, 0}}},
         {"a.bin\t1\t2\tnormal\nd.bin", {{"*a.bin", 1, 2, 0}}},
-        {"a\t1\t1\tbit REVERSE\nb\t1\t1\tProgram \nc\t1\t1\tPROGRAM\nd\t1\t1\twhatever\n",
-         {{"*a", 1, 1, 1}, {"*b", 1, 1, 0}, {"*c", 1, 1, 2}, {"*d", 1, 1, 0}}},
         // extra columns, odd numbers, an empty path field (the folder joined)
         {"a.bin\t300\tx\tprogram\textra\t9\n\t1\t2\tnormal\n", {{"*a.bin", 44, 0, 2}, {"*", 1, 2, 0}}},
         {".\\x.bin\t1\t2\tnormal\n", {{".\\x.bin", 1, 2, 0}}},  // the "." quirk: kept unjoined
