@@ -1,5 +1,6 @@
 // Parser, evaluator and engine: what the conformance scripts cannot see (the
-// tree, stop requests, budgets, the shortcuts' side effects, embedding).
+// tree, stop requests, budgets, the shortcuts' side effects). External
+// variables and function runs are the Script Processor's and sub-scripts' tests.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -188,41 +189,6 @@ TEST(ScriptEngine, FailedNativeRunsAreNotRetriedAtEveryLevel) {
         EXPECT_GT(job.context.m_stats.stepsUndone, 1000u) << c.text;  // one attempt went down
         EXPECT_LT(job.context.m_stats.stepsUndone, 10000u) << c.text;
     }
-}
-
-TEST(ScriptEngine, StepBudgetEndsEndlessLoops) {
-    CONXScriptRunContext context;
-    context.m_limits.maxSteps = 1000;
-    TTESTRUN r = TestRun("var int32 i; while (1) { i += 1; }", &context);
-    EXPECT_EQ(r.code, SCRIPT_ERR_ABORTED);
-    context.m_limits.maxSteps = 100000;
-    EXPECT_EQ(TestRun("var int32 i; while (i < 100) { i += 1; } print(i);", &context).output, "100");
-}
-
-TEST(ScriptEngine, ExternalVariablesAndFunctionRuns) {
-    CONXScriptRunContext context;
-    context.m_sysFuncFactories.push_back(ScriptRuntimeFactory);
-    CONXScriptVariable counter;
-    counter.SetName("Counter");
-    ASSERT_EQ(counter.SetNumber(41, SCRIPT_TYPE_INT32), 0u);
-    std::vector<CONXScriptVariable*> externals = {&counter};
-    std::string out;
-    uint32_t code = RunScript(&context, "counter += 1;",
-                              {.externals = &externals, .output = TestCollect, .outputContext = &out});
-    EXPECT_EQ(code, 0u);
-    EXPECT_EQ(counter.GetNumber(), 42u);
-    // Running one function of a program with arguments converted to its parameters.
-    CONXScriptVariable arg, result;
-    ASSERT_EQ(arg.SetNumber(20, SCRIPT_TYPE_INT64), 0u);
-    std::vector<CONXScriptVariable*> args = {&arg};
-    code = RunScript(&context, "var int32 g; print(\"main\"); func twice(var int32 a) { twice = a * 2 + g; }",
-                     {.output = TestCollect, .outputContext = &out, .functionName = "TWICE",
-                      .functionArguments = &args, .result = &result});
-    EXPECT_EQ(code, 0u);
-    EXPECT_EQ(out, "");  // the main statements do not run
-    EXPECT_EQ(result.GetType(), (uint32_t)SCRIPT_TYPE_INT32);
-    EXPECT_EQ(result.GetNumber(), 40u);
-    EXPECT_EQ(RunScript(&context, "func f() { }", {.functionName = "g"}), SCRIPT_ERR_UNKNOWNIDENT);
 }
 
 TEST(ScriptErrors, TextsAndClasses) {
