@@ -82,12 +82,18 @@ TEST_F(FileReplace, SwapsANewFileInKeepingPermissions) {
     EXPECT_EQ(Read("b.txt"), "new");
 }
 
-TEST_F(FileReplace, AFailedSwapLeavesTheOldFile) {
-    Write("a.txt", "old content");
-    ondutil::FileWritesFailAfter(2);
-    EXPECT_FALSE(Replace());
-    EXPECT_EQ(Read("a.txt"), "old content");
-    EXPECT_EQ(FileCount(), 1u);
+// The job files and "writestringtofile" replace files here: what a failed
+// write leaves behind is checked once, for them all.
+TEST_F(FileReplace, AFailedWriteLeavesTheOldFileOrNone) {
+    for (int64_t n : {0, 2}) {  // nothing written, or part of it
+        Write("a.txt", "old content");
+        ondutil::FileWritesFailAfter(n);
+        EXPECT_FALSE(Replace()) << n;
+        EXPECT_FALSE(Replace("b.txt")) << n;  // a missing file is not made
+        ondutil::FileWritesFailAfter(-1);
+        EXPECT_EQ(Read("a.txt"), "old content") << n;
+        EXPECT_EQ(FileCount(), 1u) << n;  // no temporary left beside it
+    }
 }
 
 // Where a new file would not be the same file to its users, or cannot be put
