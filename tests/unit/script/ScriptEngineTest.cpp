@@ -1,6 +1,6 @@
 // Parser, evaluator and engine: what the conformance scripts cannot see (the
-// tree, stop requests, budgets, the shortcuts' side effects). External
-// variables and function runs are the Script Processor's and sub-scripts' tests.
+// tree, stop requests, budgets, the shortcuts' side effects, function runs).
+// External variables are the Script Processor's tests.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -189,6 +189,26 @@ TEST(ScriptEngine, FailedNativeRunsAreNotRetriedAtEveryLevel) {
         EXPECT_GT(job.context.m_stats.stepsUndone, 1000u) << c.text;  // one attempt went down
         EXPECT_LT(job.context.m_stats.stepsUndone, 10000u) << c.text;
     }
+}
+
+// One function of a program, as executesubscriptfunc runs it: the program's
+// own variables exist (at zero), its main statements do not run, and the
+// arguments are converted to the parameters' types.
+TEST(ScriptEngine, FunctionRuns) {
+    CONXScriptRunContext context;
+    context.m_sysFuncFactories.push_back(ScriptRuntimeFactory);
+    std::string out;
+    CONXScriptVariable arg, result;
+    ASSERT_EQ(arg.SetNumber(20, SCRIPT_TYPE_INT64), 0u);
+    std::vector<CONXScriptVariable*> args = {&arg};
+    EXPECT_EQ(RunScript(&context, "var int32 g; print(\"main\"); func twice(var int32 a) { twice = a * 2 + g; }",
+                        {.output = TestCollect, .outputContext = &out, .functionName = "TWICE",
+                         .functionArguments = &args, .result = &result}),
+              0u);
+    EXPECT_EQ(out, "");
+    EXPECT_EQ(result.GetType(), (uint32_t)SCRIPT_TYPE_INT32);
+    EXPECT_EQ(result.GetNumber(), 40u);
+    EXPECT_EQ(RunScript(&context, "func f() { }", {.functionName = "g"}), SCRIPT_ERR_UNKNOWNIDENT);
 }
 
 TEST(ScriptErrors, TextsAndClasses) {

@@ -65,6 +65,10 @@ TEST(ScriptLexer, Tokens) {
         EXPECT_EQ(Kinds(Lex(c.text, &error)), c.tokens) << c.text;
         EXPECT_EQ(error, 0u) << c.text;
     }
+    // The parser reads its own way; an error through GetToken ends the list here.
+    uint32_t error = 0;
+    EXPECT_EQ(Kinds(Lex("a \"open", &error)), "1:a ");
+    EXPECT_EQ(error, (uint32_t)SCRIPT_ERR_STRING);
 }
 
 TEST(ScriptLexer, TokenStartIsBeforeWhitespaceButAfterComments) {
