@@ -1,6 +1,7 @@
-// AddressSanitizer builds have frames several times larger than normal ones.
-// Threads sized for scripts (dcsrun's, the tests') get this factor more in
-// such builds, so a script nests as deep there as anywhere.
+// AddressSanitizer builds have frames several times larger than optimised
+// ones, unoptimised builds about twice as large. Threads sized for scripts
+// (dcsrun's, the tests') get this factor more in such builds, so a script
+// nests as deep there as in a release build.
 #pragma once
 
 #include <cstddef>
@@ -15,6 +16,8 @@
 
 #ifdef OND_ADDRESS_SANITIZER
 constexpr size_t kOsStackScale = 8;
+#elif !defined(__OPTIMIZE__)
+constexpr size_t kOsStackScale = 2;
 #else
 constexpr size_t kOsStackScale = 1;
 #endif
