@@ -271,6 +271,12 @@ void CONXDialog::UpdateCommStatus(uint32_t ctrlId) {
     } catch (...) {
         // Out of memory: the status is blank for this tick.
     }
+    HWND control = ::GetDlgItem(m_hWnd, static_cast<int>(ctrlId));
+    // A group box draws its caption on one line unless told otherwise; the
+    // status is three lines.
+    LONG_PTR style = control ? GetWindowLongPtrA(control, GWL_STYLE) : 0;
+    if ((style & BS_TYPEMASK) == BS_GROUPBOX && !(style & BS_MULTILINE))
+        SetWindowLongPtrA(control, GWL_STYLE, style | BS_MULTILINE);
     SetDlgItemTextA(m_hWnd, static_cast<int>(ctrlId), text.c_str());
 }
 

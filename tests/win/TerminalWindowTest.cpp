@@ -127,6 +127,8 @@ void TestLayout(CTestTerminal& terminal, HWND dialog, CSimDevice* sim) {
     CHECK_EQ_STR(ItemText(dialog, IDC_TERM_CONFIG),
                  std::string("Channel description: ") + sim->GetInfoString(0, 0) +
                      "\nChannel configuration: " + sim->GetInfoString(1, 0) + "\nState: open");
+    // ... and draws it on three lines, not as one cut-off caption.
+    CHECK((GetWindowLongA(GetDlgItem(dialog, IDC_TERM_CONFIG), GWL_STYLE) & BS_MULTILINE) != 0);
 
     // Shown again: the focus goes to the input line again.
     SetFocus(GetDlgItem(dialog, IDC_TERM_CLEAR));
