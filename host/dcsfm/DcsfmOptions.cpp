@@ -1,5 +1,6 @@
 #include "host/dcsfm/DcsfmOptions.h"
 
+#include "host/console/ConsoleOptions.h"
 #include "util/FileEntry.h"
 
 namespace {
@@ -146,19 +147,11 @@ bool CParser::Parse(int argc, const char* const* argv) {
         }
         if (flag) continue;
         // Options with a value: "--opt value" or "--opt=value".
-        std::string name = arg, value;
-        size_t eq = arg.find('=');
-        bool inlineValue = eq != std::string::npos && arg.compare(0, 2, "--") == 0;
-        if (inlineValue) {
-            name = arg.substr(0, eq);
-            value = arg.substr(eq + 1);
-        }
+        std::string name, value;
+        bool inlineValue = SplitConsoleOption(arg, &name, &value);
         bool property = name == "--id" || name == "--type" || name == "--mode";
         if (!property && !IsHostDeviceOption(name)) return Fail("unknown option '" + arg + "'");
-        if (!inlineValue) {
-            if (i + 1 >= argc) return Fail("option " + name + " needs a value");
-            value = argv[++i];
-        }
+        if (!inlineValue && !TakeConsoleOptionValue(argc, argv, &i, name, &value, m_error)) return false;
         if (property) {
             if (!Property(name, value)) return false;
         } else if (!ParseHostDeviceOption(name, value, &m_options->device, m_error)) {

@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "host/console/ConsoleOptions.h"
+
 namespace {
 
 const char kUsageHead[] =
@@ -78,24 +80,13 @@ bool ParseDcsOptions(int argc, const char* const* argv, TDCSOPTIONS* options, st
             continue;
         }
         // Options with a value: "--opt value" or "--opt=value".
-        std::string name = arg, value;
-        size_t eq = arg.find('=');
-        bool inlineValue = eq != std::string::npos;
-        if (inlineValue) {
-            name = arg.substr(0, eq);
-            value = arg.substr(eq + 1);
-        }
+        std::string name, value;
+        bool inlineValue = SplitConsoleOption(arg, &name, &value);
         if (!IsHostDeviceOption(name) && name != "--set" && name != "--get") {
             *error = "unknown option '" + arg + "'";
             return false;
         }
-        if (!inlineValue) {
-            if (i + 1 >= argc) {
-                *error = "option " + name + " needs a value";
-                return false;
-            }
-            value = argv[++i];
-        }
+        if (!inlineValue && !TakeConsoleOptionValue(argc, argv, &i, name, &value, error)) return false;
         if (IsHostDeviceOption(name)) {
             if (!ParseHostDeviceOption(name, value, &options->device, error)) return false;
         } else if (name == "--set") {

@@ -3,6 +3,8 @@
 #include <cerrno>
 #include <cstdlib>
 
+#include "host/console/ConsoleOptions.h"
+
 namespace {
 
 const char kUsageHead[] =
@@ -78,25 +80,14 @@ bool ParseDcstermOptions(int argc, const char* const* argv, TDCSTERMOPTIONS* opt
             continue;
         }
         // Options with a value: "--opt value" or "--opt=value".
-        std::string name = arg, value;
-        size_t eq = arg.find('=');
-        bool inlineValue = eq != std::string::npos && arg.compare(0, 2, "--") == 0;
-        if (inlineValue) {
-            name = arg.substr(0, eq);
-            value = arg.substr(eq + 1);
-        }
+        std::string name, value;
+        bool inlineValue = SplitConsoleOption(arg, &name, &value);
         if (!IsHostDeviceOption(name) && name != "--log" && name != "--idle") {
             *error = arg.compare(0, 1, "-") == 0 ? "unknown option '" + arg + "'"
                                                  : "unexpected argument '" + arg + "'";
             return false;
         }
-        if (!inlineValue) {
-            if (i + 1 >= argc) {
-                *error = "option " + name + " needs a value";
-                return false;
-            }
-            value = argv[++i];
-        }
+        if (!inlineValue && !TakeConsoleOptionValue(argc, argv, &i, name, &value, error)) return false;
         if (IsHostDeviceOption(name)) {
             if (!ParseHostDeviceOption(name, value, &options->device, error)) return false;
         } else if (name == "--log") {
