@@ -3,31 +3,14 @@
 # faults for the failure paths. Called by CTest with -DDCSFM=program
 # -DEMULATOR=wrapper-or-empty -DWORK=folder.
 
+include(${CMAKE_CURRENT_LIST_DIR}/../support/ConsoleRun.cmake)
+
 # run(<expected status> <args>...): sets out, err. Standard input is a file:
 # not a terminal.
 function(run expected)
-  execute_process(COMMAND ${EMULATOR} ${DCSFM} ${ARGN}
-                  INPUT_FILE ${WORK}/empty.txt
-                  RESULT_VARIABLE status OUTPUT_VARIABLE stdout ERROR_VARIABLE stderr
-                  WORKING_DIRECTORY ${WORK})
-  set(out "${stdout}" PARENT_SCOPE)
-  set(err "${stderr}" PARENT_SCOPE)
-  if(NOT "${status}" STREQUAL "${expected}")
-    message(SEND_ERROR "dcsfm ${ARGN}: status ${status}, expected ${expected}\nstdout: ${stdout}\nstderr: ${stderr}")
-  endif()
-endfunction()
-
-function(expect_equal what actual expected)
-  if(NOT "${actual}" STREQUAL "${expected}")
-    message(SEND_ERROR "${what}:\n  actual   [${actual}]\n  expected [${expected}]")
-  endif()
-endfunction()
-
-function(expect_contains what text part)
-  string(FIND "${text}" "${part}" at)
-  if(at EQUAL -1)
-    message(SEND_ERROR "${what}: [${part}] not in [${text}]")
-  endif()
+  run_program(${DCSFM} ${expected} ${WORK}/empty.txt ${ARGN})
+  set(out "${out}" PARENT_SCOPE)
+  set(err "${err}" PARENT_SCOPE)
 endfunction()
 
 # expect_folder(<what> <folder> <name=hex>...): exactly these files, with these bytes.

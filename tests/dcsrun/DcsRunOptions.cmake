@@ -2,29 +2,13 @@
 # -DDCSRUN=program -DEMULATOR=wrapper-or-empty -DSCRIPTS=folder -DWORK=folder.
 set(failures 0)
 
-# run(<expected status> <args>...): sets out, err, rc.
+include(${CMAKE_CURRENT_LIST_DIR}/../support/ConsoleRun.cmake)
+
+# run(<expected status> <args>...): sets out, err.
 function(run expected)
-  execute_process(COMMAND ${EMULATOR} ${DCSRUN} ${ARGN}
-                  RESULT_VARIABLE status OUTPUT_VARIABLE stdout ERROR_VARIABLE stderr
-                  WORKING_DIRECTORY ${WORK})
-  set(out "${stdout}" PARENT_SCOPE)
-  set(err "${stderr}" PARENT_SCOPE)
-  if(NOT "${status}" STREQUAL "${expected}")
-    message(SEND_ERROR "dcsrun ${ARGN}: status ${status}, expected ${expected}\nstdout: ${stdout}\nstderr: ${stderr}")
-  endif()
-endfunction()
-
-function(expect_equal what actual expected)
-  if(NOT "${actual}" STREQUAL "${expected}")
-    message(SEND_ERROR "${what}:\n  actual   [${actual}]\n  expected [${expected}]")
-  endif()
-endfunction()
-
-function(expect_contains what text part)
-  string(FIND "${text}" "${part}" at)
-  if(at EQUAL -1)
-    message(SEND_ERROR "${what}: [${part}] not in [${text}]")
-  endif()
+  run_program(${DCSRUN} ${expected} "" ${ARGN})
+  set(out "${out}" PARENT_SCOPE)
+  set(err "${err}" PARENT_SCOPE)
 endfunction()
 
 file(REMOVE_RECURSE ${WORK})

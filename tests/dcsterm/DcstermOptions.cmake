@@ -2,37 +2,14 @@
 # loopback answers every line with the line itself). Called by CTest with
 # -DDCSTERM=program -DEMULATOR=wrapper-or-empty -DWORK=folder.
 
+include(${CMAKE_CURRENT_LIST_DIR}/../support/ConsoleRun.cmake)
+
 # run(<expected status> <input> <args>...): sets out, err.
 function(run expected input)
   file(WRITE ${WORK}/input.txt "${input}")
-  execute_process(COMMAND ${EMULATOR} ${DCSTERM} ${ARGN}
-                  INPUT_FILE ${WORK}/input.txt
-                  RESULT_VARIABLE status OUTPUT_VARIABLE stdout ERROR_VARIABLE stderr
-                  WORKING_DIRECTORY ${WORK})
-  set(out "${stdout}" PARENT_SCOPE)
-  set(err "${stderr}" PARENT_SCOPE)
-  if(NOT "${status}" STREQUAL "${expected}")
-    message(SEND_ERROR "dcsterm ${ARGN} <<< [${input}]: status ${status}, expected ${expected}\nstdout: ${stdout}\nstderr: ${stderr}")
-  endif()
-endfunction()
-
-function(expect_equal what actual expected)
-  if(NOT "${actual}" STREQUAL "${expected}")
-    message(SEND_ERROR "${what}:\n  actual   [${actual}]\n  expected [${expected}]")
-  endif()
-endfunction()
-
-function(expect_contains what text part)
-  string(FIND "${text}" "${part}" at)
-  if(at EQUAL -1)
-    message(SEND_ERROR "${what}: [${part}] not in [${text}]")
-  endif()
-endfunction()
-
-function(expect_match what text regex)
-  if(NOT "${text}" MATCHES "${regex}")
-    message(SEND_ERROR "${what}: [${text}] does not match ${regex}")
-  endif()
+  run_program(${DCSTERM} ${expected} ${WORK}/input.txt ${ARGN})
+  set(out "${out}" PARENT_SCOPE)
+  set(err "${err}" PARENT_SCOPE)
 endfunction()
 
 file(REMOVE_RECURSE ${WORK})

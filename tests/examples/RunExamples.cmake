@@ -3,30 +3,21 @@
 # compared as a terminal shows it: a line redrawn after "\r" as it ends up.
 # Called by CTest with -DDCSRUN= -DEMULATOR= -DEXAMPLES= -DEXPECTED= -DWORK=.
 
+include(${CMAKE_CURRENT_LIST_DIR}/../support/ConsoleRun.cmake)
+
 # run(<expected status> <args>...): sets out (rendered) and err.
 function(run expected)
-  execute_process(COMMAND ${EMULATOR} ${DCSRUN} ${ARGN}
-                  RESULT_VARIABLE status OUTPUT_VARIABLE stdout ERROR_VARIABLE stderr
-                  WORKING_DIRECTORY ${WORK})
-  string(REPLACE "\r\n" "\n" shown "${stdout}")
+  run_program(${DCSRUN} ${expected} "" ${ARGN})
+  string(REPLACE "\r\n" "\n" shown "${out}")
   string(REGEX REPLACE "[^\n]*\r" "" shown "${shown}")
   set(out "${shown}" PARENT_SCOPE)
-  set(err "${stderr}" PARENT_SCOPE)
-  if(NOT "${status}" STREQUAL "${expected}")
-    message(SEND_ERROR "dcsrun ${ARGN}: status ${status}, expected ${expected}\nstdout: ${stdout}\nstderr: ${stderr}")
-  endif()
+  set(err "${err}" PARENT_SCOPE)
 endfunction()
 
 function(expect_output what actual name)
   file(READ ${EXPECTED}/${name} expected)
   if(NOT "${actual}" STREQUAL "${expected}")
     message(SEND_ERROR "${what}:\n  actual   [${actual}]\n  expected [${expected}]")
-  endif()
-endfunction()
-
-function(expect_match what text pattern)
-  if(NOT "${text}" MATCHES "${pattern}")
-    message(SEND_ERROR "${what}: [${text}] does not match [${pattern}]")
   endif()
 endfunction()
 
