@@ -143,11 +143,7 @@ int Main(int argc, char** argv) {
     if (g_stop.requested || view.Stopped()) status = DCSFM_EXIT_ABORTED;
     else if (!ok || view.Failed()) status = DCSFM_EXIT_FAILED;
     // Also after a failure or an abort: the folder shows what the device holds.
-    if (!device.SaveSimFiles(&error)) {
-        std::fprintf(stderr, "dcsfm: --sim-save: %s\n", error.c_str());
-        if (status == DCSFM_EXIT_OK) status = DCSFM_EXIT_USAGE;
-    }
-    return status;
+    return device.SaveSimFilesAtEnd("dcsfm", status, DCSFM_EXIT_USAGE);
 }
 
 }  // namespace

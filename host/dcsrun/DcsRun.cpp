@@ -129,11 +129,7 @@ int Main(int argc, char** argv) {
         (void)processor.GetVariables(&query, 1, &found);
         fputs(DcsFormatVariable(name, query, found != 0).c_str(), stderr);
     }
-    int status = (int)job.result;
-    if (!host.SaveSimFiles(&error)) {
-        fprintf(stderr, "dcsrun: --sim-save: %s\n", error.c_str());
-        if (status == 0) status = DCSRUN_EXIT_USAGE;
-    }
+    int status = host.SaveSimFilesAtEnd("dcsrun", (int)job.result, DCSRUN_EXIT_USAGE);
     fflush(stderr);
     return status;
 }

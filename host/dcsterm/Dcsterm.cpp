@@ -290,11 +290,7 @@ int Main(int argc, char** argv) {
     int status = interactive ? terminal.RunInteractive(&keys) : terminal.RunPiped();
     keys.Stop();
     if (log) std::fclose(log);
-    if (!device.SaveSimFiles(&error)) {
-        std::fprintf(stderr, "dcsterm: --sim-save: %s\n", error.c_str());
-        if (status == DCSTERM_EXIT_OK) status = DCSTERM_EXIT_USAGE;
-    }
-    return status;
+    return device.SaveSimFilesAtEnd("dcsterm", status, DCSTERM_EXIT_USAGE);
 }
 
 }  // namespace

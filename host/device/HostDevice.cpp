@@ -220,3 +220,10 @@ bool CHostDevice::SaveSimFiles(std::string* error) {
     if (!m_sim || m_simSaveFolder.empty()) return true;
     return SaveSimFolder(m_sim.get(), m_simSaveFolder, error);
 }
+
+int CHostDevice::SaveSimFilesAtEnd(const char* program, int status, int failStatus) {
+    std::string error;
+    if (SaveSimFiles(&error)) return status;
+    std::fprintf(stderr, "%s: --sim-save: %s\n", program, error.c_str());
+    return status == 0 ? failStatus : status;
+}

@@ -69,6 +69,10 @@ public:
     // Writes the simulated device's files into the --sim-save folder, when
     // one was named; false with *error when they cannot be written.
     bool SaveSimFiles(std::string* error);
+    // The same at a console tool's end: a failure is told on standard error
+    // ("PROGRAM: --sim-save: ...") and turns a success (0) into failStatus.
+    // Returns the tool's final status.
+    int SaveSimFilesAtEnd(const char* program, int status, int failStatus);
 
 private:
     std::string m_simSaveFolder;
