@@ -28,6 +28,12 @@ namespace {
 class CTestFileManager : public CONXFileManager {
 public:
     HWND Window() { return m_pDialog ? m_pDialog->GetSafeHwnd() : nullptr; }
+    // Connected to the device and shown in the host's window: the dialog.
+    HWND Open(CSimDevice* device, HWND parent = TestHostWindow()) {
+        Connect(device);
+        ShowDialogNonModal(parent);
+        return Window();
+    }
 };
 
 std::string g_dir;  // the test's files, in the temporary folder, ending in a backslash
@@ -382,9 +388,7 @@ void TestLayoutAndStates(CSimDevice* sim) {
 // channel then reports (nothing).
 void TestRefreshFailure(CSimDevice* sim) {
     CTestFileManager fm;
-    fm.Connect(sim);
-    fm.ShowDialogNonModal(TestHostWindow());
-    HWND dialog = fm.Window();
+    HWND dialog = fm.Open(sim);
     if (!dialog) return;
     HWND device = GetDlgItem(dialog, IDC_FM_DEVICELIST);
     CHECK(RowCount(device) == 2);
@@ -411,9 +415,7 @@ void TestRefreshFailure(CSimDevice* sim) {
 void TestDelete(CSimDevice* sim) {
     for (uint8_t id : {3, 4, 5, 6}) Store(sim, id, 1, 10);
     CTestFileManager fm;
-    fm.Connect(sim);
-    fm.ShowDialogNonModal(TestHostWindow());
-    HWND dialog = fm.Window();
+    HWND dialog = fm.Open(sim);
     if (!dialog) return;
     HWND device = GetDlgItem(dialog, IDC_FM_DEVICELIST);
     CHECK_EQ_STR(Rows(device), "1,2,300|3,1,10|4,1,10|5,1,10|6,1,10|7,9,5000|");
@@ -449,14 +451,11 @@ void TestDelete(CSimDevice* sim) {
     CHECK(FindDialog("Error") == nullptr);
     CHECK_EQ_STR(Rows(device), "1,2,300|5,1,10|7,9,5000|");
     CHECK(sim->LockOwner() == nullptr && sim->LockCount() == 0);
-
 }
 
 void TestFormat(CSimDevice* sim) {
     CTestFileManager fm;
-    fm.Connect(sim);
-    fm.ShowDialogNonModal(TestHostWindow());
-    HWND dialog = fm.Window();
+    HWND dialog = fm.Open(sim);
     if (!dialog) return;
     HWND device = GetDlgItem(dialog, IDC_FM_DEVICELIST);
     const char* question =
@@ -495,15 +494,12 @@ void TestFormat(CSimDevice* sim) {
     CHECK(!sim->HasProgram());
     CHECK_EQ_STR(ItemText(dialog, IDC_FM_SUMMARY),
                  "0 bytes in 0 files\nrequire 0 bytes on disk\n1048576 bytes free");
-
 }
 
 // Dropped files, "Add files", Clear, Delete key, Save job and Load job.
 void TestLocalListAndJobs(CSimDevice* sim) {
     CTestFileManager fm;
-    fm.Connect(sim);
-    fm.ShowDialogNonModal(TestHostWindow());
-    HWND dialog = fm.Window();
+    HWND dialog = fm.Open(sim);
     if (!dialog) return;
     HWND local = GetDlgItem(dialog, IDC_FM_LOCALLIST);
     std::string a = WriteFile("a.bin", "alpha"), image = WriteFile("image.RBF", "fpga");
@@ -594,9 +590,7 @@ void SelectMode(HWND properties, int index) {
 
 void TestProperties(CSimDevice* sim) {
     CTestFileManager fm;
-    fm.Connect(sim);
-    fm.ShowDialogNonModal(TestHostWindow());
-    HWND dialog = fm.Window();
+    HWND dialog = fm.Open(sim);
     if (!dialog) return;
     HWND local = GetDlgItem(dialog, IDC_FM_LOCALLIST);
     std::string a = g_dir + "a.bin", image = g_dir + "image.RBF";
@@ -699,9 +693,7 @@ void TestBigDevice(CSimDevice*) {
     CSimDevice big(config);
     for (int id = 0; id < 255; ++id) Store(&big, uint8_t(id), uint8_t(id % 5), size_t(id) * 3);
     CTestFileManager fm;
-    fm.Connect(&big);
-    fm.ShowDialogNonModal(TestHostWindow());
-    HWND dialog = fm.Window();
+    HWND dialog = fm.Open(&big);
     if (!dialog) return;
     HWND device = GetDlgItem(dialog, IDC_FM_DEVICELIST);
     CHECK(RowCount(device) == 255);
@@ -718,9 +710,7 @@ void TestBigDevice(CSimDevice*) {
 
 void TestCopy(CSimDevice* sim) {
     CTestFileManager fm;
-    fm.Connect(sim);
-    fm.ShowDialogNonModal(TestHostWindow());
-    HWND dialog = fm.Window();
+    HWND dialog = fm.Open(sim);
     if (!dialog) return;
     HWND local = GetDlgItem(dialog, IDC_FM_LOCALLIST);
 
@@ -782,9 +772,7 @@ void TestCopy(CSimDevice* sim) {
 // further file; and a long path shortened to the end that fits.
 void TestProgressAndAbort(CSimDevice* sim) {
     CTestFileManager fm;
-    fm.Connect(sim);
-    fm.ShowDialogNonModal(TestHostWindow());
-    HWND dialog = fm.Window();
+    HWND dialog = fm.Open(sim);
     if (!dialog) return;
     sim->FormatDevice(0);
     std::string first = WriteFile("slow1.bin", "slow one"), second = WriteFile("slow2.bin", "two");
@@ -920,9 +908,7 @@ void TestCloseDuringCopy(CSimDevice* sim) {
         HWND parent = CreateWindowA("OndFMTestHost", "parent", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0,
                                     0, 300, 200, nullptr, nullptr, wc.hInstance, nullptr);
         CTestFileManager fm;
-        fm.Connect(sim);
-        fm.ShowDialogNonModal(parent);
-        HWND dialog = fm.Window();
+        HWND dialog = fm.Open(sim, parent);
         DropFiles(dialog, {slow});
         Drive([&] { Click(dialog, IDC_FM_COPYALL); }, [&] {
             WaitForDialog("Progress");
