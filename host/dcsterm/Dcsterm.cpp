@@ -4,6 +4,7 @@
 #include <condition_variable>
 #include <cstdio>
 #include <deque>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -33,57 +34,75 @@ void Write(const std::string& text) {
 }
 
 // Lines from standard input, read on a thread of their own so that the device
-// is polled while the input waits. The thread is left behind at exit, blocked
-// in its read: the reader lives for the whole run.
+// is polled while the input waits. The thread may still be blocked in its
+// read when the run ends: it shares the queue with the reader, so the queue
+// outlives the reader, and what it reads after that is dropped.
 class CLineReader {
 public:
-    void Start() { std::thread([this] { Run(); }).detach(); }
+    CLineReader() : m_state(std::make_shared<TSTATE>()) {}
+    ~CLineReader() {
+        std::lock_guard<std::mutex> lock(m_state->mutex);
+        m_state->discard = true;
+        m_state->lines.clear();
+    }
+    void Start() {
+        std::shared_ptr<TSTATE> state = m_state;
+        std::thread([state] { Run(*state); }).detach();
+    }
 
     // The next line, if one is there; *eof: the input has ended and every
     // line was taken.
     bool Take(std::string* line, bool* eof) {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        *eof = m_eof && m_lines.empty();
-        if (m_lines.empty()) return false;
-        line->swap(m_lines.front());
-        m_lines.pop_front();
+        std::lock_guard<std::mutex> lock(m_state->mutex);
+        *eof = m_state->eof && m_state->lines.empty();
+        if (m_state->lines.empty()) return false;
+        line->swap(m_state->lines.front());
+        m_state->lines.pop_front();
         return true;
     }
     // Waits up to timeoutMs for a line or the end of the input.
     void Wait(uint32_t timeoutMs) {
-        std::unique_lock<std::mutex> lock(m_mutex);
-        m_ready.wait_for(lock, std::chrono::milliseconds(timeoutMs),
-                         [this] { return !m_lines.empty() || m_eof; });
+        std::unique_lock<std::mutex> lock(m_state->mutex);
+        m_state->ready.wait_for(lock, std::chrono::milliseconds(timeoutMs),
+                                [this] { return !m_state->lines.empty() || m_state->eof; });
     }
 
 private:
-    void Run() {
+    struct TSTATE {
+        std::mutex mutex;
+        std::condition_variable ready;
+        std::deque<std::string> lines;
+        bool eof = false;
+        bool discard = false;  // the reader is gone
+    };
+
+    static void Run(TSTATE& state) {
         std::string line;
         char buffer[4096];
         long n;
         while ((n = ConsoleReadInput(buffer, sizeof buffer)) > 0) {
             for (long i = 0; i < n; ++i) {
                 if (buffer[i] != '\n') line += buffer[i];
-                else Push(&line);
+                else if (!Push(state, &line)) return;
             }
         }
-        if (!line.empty()) Push(&line);
-        std::lock_guard<std::mutex> lock(m_mutex);
-        m_eof = true;
-        m_ready.notify_all();
+        if (!line.empty()) Push(state, &line);
+        std::lock_guard<std::mutex> lock(state.mutex);
+        state.eof = true;
+        state.ready.notify_all();
     }
-    void Push(std::string* line) {
+    // False once the reader is gone: nobody takes lines any more.
+    static bool Push(TSTATE& state, std::string* line) {
         if (!line->empty() && line->back() == '\r') line->pop_back();  // CR LF input
-        std::lock_guard<std::mutex> lock(m_mutex);
-        m_lines.push_back(std::move(*line));
+        std::lock_guard<std::mutex> lock(state.mutex);
+        if (state.discard) return false;
+        state.lines.push_back(std::move(*line));
         line->clear();
-        m_ready.notify_all();
+        state.ready.notify_all();
+        return true;
     }
 
-    std::mutex m_mutex;
-    std::condition_variable m_ready;
-    std::deque<std::string> m_lines;
-    bool m_eof = false;
+    std::shared_ptr<TSTATE> m_state;
 };
 
 class CDcsterm {
