@@ -438,8 +438,11 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int show) {
     }
     g_host.channel = device.Channel();
     g_host.sim = device.Sim();
-    // --sim-delay (a device option) is in force already: two steps a file.
-    if (g_host.sim) PreloadDevice(g_host.sim);
+    // A device of the user's own (--sim-files) keeps its files, and injected
+    // faults count the user's calls only. --sim-delay is in force already:
+    // two steps a file.
+    if (g_host.sim && deviceOptions.simFilesFolder.empty() && deviceOptions.simFaults.empty())
+        PreloadDevice(g_host.sim);
 
     if (!LoadModule(dllPath)) return Fail(("Cannot load " + dllPath).c_str());
 
