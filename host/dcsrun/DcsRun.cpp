@@ -42,6 +42,30 @@ void RunJob(void* argument) {
     job->result = job->processor->ExecuteScriptFile(job->path, WriteOutput, nullptr);
 }
 
+// A check parses on a thread like the script's, so it reads as deep as a run.
+struct TDCSCHECK {
+    const TDCSOPTIONS* options;
+    CDcsVariables* variables;
+    int status;
+};
+
+void CheckJob(void* argument) {
+    TDCSCHECK* check = static_cast<TDCSCHECK*>(argument);
+    check->status = DcsCheckScripts(check->options->scripts, check->variables->Records(),
+                                    check->variables->Count());
+}
+
+// Runs job on a thread with the script's stack; false when none can start.
+bool RunOnScriptThread(void (*job)(void*), void* argument) {
+    COsThread thread;
+    if (!thread.Start(kScriptStack, job, argument, OS_STACK_WHOLE)) {
+        fprintf(stderr, "dcsrun: cannot start the script thread\n");
+        return false;
+    }
+    thread.Join();
+    return true;
+}
+
 void StopScript(void* processor) { static_cast<CONXScriptProcessor*>(processor)->StopScript(); }
 
 const char* ResultText(EONX_ERR_ERRCODE_ result) {
@@ -75,7 +99,10 @@ int Main(int argc, char** argv) {
             return DCSRUN_EXIT_USAGE;
         }
     }
-    if (options.check) return DcsCheckScripts(options.scripts, variables.Records(), variables.Count());
+    if (options.check) {
+        TDCSCHECK check = {&options, &variables, 0};
+        return RunOnScriptThread(CheckJob, &check) ? check.status : int(EONX_ERR_OUTOFMEMORY);
+    }
     std::error_code ec;
     if (std::filesystem::is_directory(options.script, ec)) {
         fprintf(stderr, "dcsrun: %s: is a folder, not a script\n", options.script.c_str());
@@ -112,12 +139,7 @@ int Main(int argc, char** argv) {
     }
 
     TDCSJOB job = {&processor, options.script.c_str(), EONX_ERR_NONE};
-    COsThread thread;
-    if (!thread.Start(kScriptStack, RunJob, &job, OS_STACK_WHOLE)) {
-        fprintf(stderr, "dcsrun: cannot start the script thread\n");
-        return EONX_ERR_OUTOFMEMORY;
-    }
-    thread.Join();
+    if (!RunOnScriptThread(RunJob, &job)) return EONX_ERR_OUTOFMEMORY;
     fflush(stdout);
 
     if (const char* text = ResultText(job.result))

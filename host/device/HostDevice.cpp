@@ -7,9 +7,21 @@
 #include "host/serial/SerialChannel.h"
 #include "host/sim/SimDevice.h"
 #include "host/sim/SimDeviceFolder.h"
-#include "util/WholeFile.h"
 
 namespace {
+
+// A file named on the command line, read to its end: a pipe as well
+// ("<(...)", /dev/stdin), which a whole-file read by size refuses.
+bool ReadStream(const std::string& path, std::string* bytes) {
+    FILE* f = std::fopen(path.c_str(), "rb");
+    if (!f) return false;
+    char buffer[65536];
+    size_t n;
+    while ((n = std::fread(buffer, 1, sizeof buffer, f)) > 0) bytes->append(buffer, n);
+    bool complete = !std::ferror(f);
+    std::fclose(f);
+    return complete;
+}
 
 const char kUsage[] =
     "  --device sim                 the simulated device (default): loopback,\n"
@@ -193,7 +205,7 @@ EHOSTDEVICEOPEN CHostDevice::Open(const THOSTDEVICEOPTIONS& options, std::string
     m_sim.reset(new CSimDevice);
     if (!options.simReceiveFile.empty()) {
         std::string bytes;
-        if (ondutil::ReadWholeFile(options.simReceiveFile.c_str(), &bytes) != ondutil::WHOLEFILE_OK) {
+        if (!ReadStream(options.simReceiveFile, &bytes)) {
             *error = "cannot read " + options.simReceiveFile;
             return HOSTDEVICE_NOFILE;
         }

@@ -67,6 +67,22 @@ expect_contains("preloaded" "${out}" "received 100000 bytes ending in 789\n")
 file(WRITE ${WORK}/queued.bin "abc\n")
 run(0 --sim-receive ${WORK}/queued.bin ${SCRIPTS}/transfer.dcs)
 expect_contains("preloaded file" "${out}" "received 4 bytes ending in bc\n\n")
+if(NOT EMULATOR)
+  # A pipe, which has no size, is read to its end.
+  execute_process(COMMAND cat ${WORK}/queued.bin
+                  COMMAND ${DCSRUN} --sim-receive /dev/stdin ${SCRIPTS}/transfer.dcs
+                  OUTPUT_VARIABLE piped WORKING_DIRECTORY ${WORK})
+  expect_contains("preloaded from a pipe" "${piped}" "received 4 bytes ending in bc\n\n")
+  # --check parses on the script thread's stack as a run does, not on a
+  # small main thread's.
+  string(REPEAT "(" 20000 open)
+  string(REPEAT ")" 20000 close)
+  file(WRITE ${WORK}/deep_parens.dcs "var dword x;\nx = ${open}1${close};\n")
+  execute_process(COMMAND sh -c "ulimit -s 1024 && exec \"$0\" --check \"$1\""
+                          ${DCSRUN} ${WORK}/deep_parens.dcs
+                  RESULT_VARIABLE status OUTPUT_VARIABLE stdout ERROR_VARIABLE stderr)
+  expect_equal("deep check on a small main stack" "${status}:${stderr}" "0:")
+endif()
 
 # The operator's questions in batch mode.
 run(0 --batch ${SCRIPTS}/asks.dcs)
