@@ -8,12 +8,12 @@
 #include <termios.h>
 #include <unistd.h>
 
-#include <initializer_list>
-
 namespace {
 
 termios g_saved;
-bool g_saved_valid = false;
+volatile sig_atomic_t g_saved_valid = 0;
+const int kEndingSignals[] = {SIGTERM, SIGHUP, SIGQUIT};
+struct sigaction g_before[3];  // the actions the raw mode replaced
 
 // A signal that ends the program leaves the tty as it found it.
 void RestoreAndDie(int sig) {
@@ -35,21 +35,34 @@ int ReadByte(uint32_t timeoutMs, unsigned char* byte) {
 bool CConsoleKeys::Start() {
     if (m_started) return true;
     if (!isatty(STDIN_FILENO) || tcgetattr(STDIN_FILENO, &g_saved) != 0) return false;
-    g_saved_valid = true;
+    g_saved_valid = 1;
     termios raw = g_saved;
     raw.c_iflag &= ~static_cast<tcflag_t>(IXON | ICRNL | INLCR | IGNCR | ISTRIP | BRKINT);
     raw.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO | ISIG | IEXTEN);
     raw.c_cc[VMIN] = 1;
     raw.c_cc[VTIME] = 0;
     if (tcsetattr(STDIN_FILENO, TCSANOW, &raw) != 0) return false;
-    for (int sig : {SIGTERM, SIGHUP, SIGQUIT}) signal(sig, RestoreAndDie);
+    // Only where the signal would end the program: an ignored one (nohup)
+    // stays ignored, a handler of the program's own stays.
+    for (int i = 0; i < 3; ++i) {
+        if (sigaction(kEndingSignals[i], nullptr, &g_before[i]) != 0 ||
+            g_before[i].sa_handler != SIG_DFL)
+            continue;
+        struct sigaction restore = {};
+        restore.sa_handler = RestoreAndDie;
+        sigemptyset(&restore.sa_mask);
+        sigaction(kEndingSignals[i], &restore, nullptr);
+    }
     m_started = true;
     return true;
 }
 
 void CConsoleKeys::Stop() {
     if (!m_started) return;
+    for (int i = 0; i < 3; ++i)
+        if (g_before[i].sa_handler == SIG_DFL) sigaction(kEndingSignals[i], &g_before[i], nullptr);
     tcsetattr(STDIN_FILENO, TCSANOW, &g_saved);
+    g_saved_valid = 0;
     m_started = false;
 }
 
