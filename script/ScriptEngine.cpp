@@ -379,13 +379,7 @@ uint32_t CONXScriptFunc::ExecuteFunction(CONXScriptExecContext* context, const c
     size_t bindMark = context->BindMark();
     // The program's own variables exist (at zero) while the function runs;
     // its main statements do not run.
-    for (CONXScriptObject* local : m_locals) {
-        if (local->KindTag() != SCRIPT_OBJ_TEMPLATE) continue;
-        CONXScriptVarTemplate* tmpl = static_cast<CONXScriptVarTemplate*>(local);
-        CONXScriptVariable* v = context->vars.Push();
-        v->InitFrame(tmpl);
-        context->Bind(&tmpl->m_pCurrent, v);
-    }
+    StartDeclarations(context, m_locals);
     size_t base = context->arguments.size();
     for (size_t i = 0; i < arguments.size(); i++) {
         CONXScriptObject* param = f->GetParameter(i);

@@ -96,7 +96,7 @@ uint32_t CONXScriptFunc::EvalRef(CONXScriptExecContext* context, CONXScriptVaria
         TSCRIPTTOKEN* after = t->kind == SCRIPT_TOK_END ? nullptr : context->TokenByIndex(i + 1);
         if (after && !after->error && !IsBinary(after)) {
             CONXScriptVariable* v = nullptr;
-            if (t->kind >= SCRIPT_TOK_STRING && t->kind <= SCRIPT_TOK_BIN) {
+            if (IsLiteral(t)) {
                 context->Next();
                 uint32_t err = ScriptLiteral(context, t, &v);
                 if (err) return err;

@@ -4,7 +4,7 @@
 
 uint32_t CONXTerminal::GetObjType() { return ONX_OBJTYPE_TERMINAL; }
 
-// The same routine serves the File Manager: the dialog's own destructor runs.
+// Nothing outlives a handler here: the dialog's own destructor runs at once.
 void CONXTerminal::DeleteDialog(CONXDialog* dialog) { delete dialog; }
 
 EONX_ERR_ERRCODE_ CONXTerminal::ShowDialogNonModal(HWND parent) {

@@ -62,7 +62,7 @@ TTERMINALSEND TerminalSendLine(COndDeviceComm_0* channel, void* owner, const std
             send.status = kNotConnected;
             return send;
         }
-        if (channel->Lock(owner, kTerminalSendLockMs) != 0) {
+        if (channel->Lock(owner, ONDCOMM_LOCK_USER_MS) != 0) {
             send.result = TERMINAL_LOCKED;
             send.status = kLocked;
             return send;
@@ -82,7 +82,7 @@ TTERMINALPOLL TerminalPoll(COndDeviceComm_0* channel, void* owner, CONXTerminalR
                            uint64_t maxBytes) {
     TTERMINALPOLL poll;
     if (!channel) return poll;
-    if (channel->Lock(owner, kTerminalPollLockMs) != 0) return poll;
+    if (channel->Lock(owner, ONDCOMM_LOCK_POLL_MS) != 0) return poll;
     poll.locked = true;
     CUnlockOnExit unlock(channel, owner);
     char buffer[kTerminalReceiveBuffer];

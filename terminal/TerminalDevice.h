@@ -11,9 +11,6 @@
 #include "terminal/TerminalHistory.h"
 #include "terminal/TerminalLines.h"
 
-// Lock time-outs: the user's send waits, the poll never does.
-const uint32_t kTerminalSendLockMs = 500;
-const uint32_t kTerminalPollLockMs = 0;
 // The poll reads this much at a time.
 const uint32_t kTerminalReceiveBuffer = 1023;
 

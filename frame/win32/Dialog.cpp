@@ -272,12 +272,13 @@ void CONXDialog::UpdateCommStatus(uint32_t ctrlId) {
         // Out of memory: the status is blank for this tick.
     }
     HWND control = ::GetDlgItem(m_hWnd, static_cast<int>(ctrlId));
+    if (!control) return;
     // A group box draws its caption on one line unless told otherwise; the
     // status is three lines.
-    LONG_PTR style = control ? GetWindowLongPtrA(control, GWL_STYLE) : 0;
+    LONG_PTR style = GetWindowLongPtrA(control, GWL_STYLE);
     if ((style & BS_TYPEMASK) == BS_GROUPBOX && !(style & BS_MULTILINE))
         SetWindowLongPtrA(control, GWL_STYLE, style | BS_MULTILINE);
-    SetDlgItemTextA(m_hWnd, static_cast<int>(ctrlId), text.c_str());
+    SetTextIfChanged(control, text.c_str());  // every tick: no repaint for the same text
 }
 
 void CONXDialog::RepairHorizontalScrollbarExtendInListBox(HWND listBox) {

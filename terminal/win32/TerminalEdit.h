@@ -20,7 +20,6 @@ public:
     bool Attach(HWND edit);
     // Gives the control its own procedure back (also done when it is destroyed).
     void Detach();
-    HWND GetSafeHwnd() const { return m_hWnd; }
 
     uint32_t m_nNotifyMessage = 0;  // 0 = none
 

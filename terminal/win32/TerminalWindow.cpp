@@ -1,13 +1,11 @@
 // The Terminal's window on Windows.
 #include <new>
 
-#include "frame/win32/ModuleInstance.h"
 #include "terminal/Terminal.h"
 #include "terminal/win32/TerminalDialog.h"
 
-CONXDialog* CONXTerminal::CreateNewDialog(HWND) {
-    COndModuleState moduleState;  // the module's resources while it is made
-    return new (std::nothrow) CTerminalDialog(nullptr);
+CONXDialog* CONXTerminal::CreateNewDialog(HWND parent) {
+    return new (std::nothrow) CTerminalDialog(parent);
 }
 
 void CONXTerminal::FocusInputLine() {
