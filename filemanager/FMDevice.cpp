@@ -94,8 +94,10 @@ void ondfm::FormatDevice(COndDeviceComm_0* channel, void* owner, CFMDeviceView_0
             break;
         default: break;  // Cancel: have mercy
     }
+    // The channel's text is read while the lock is held; shown after it.
+    std::string failure = code != 0 ? FormatFailed(ErrorText(channel, code)) : std::string();
     channel->Unlock(owner);
-    if (code != 0) view->ShowError(FormatFailed(ErrorText(channel, code)).c_str());
+    if (!failure.empty()) view->ShowError(failure.c_str());
 }
 
 void ondfm::CopyFiles(COndDeviceComm_0* channel, void* owner, CFMDeviceView_0* view,

@@ -270,7 +270,11 @@ void CFileManagerDialog::OnSaveJob() {
 void CFileManagerDialog::CopyFilesToDevice(const TFILEENTRYLIST& files) {
     CProgressDialog progress;
     progress.Setup(m_pDeviceComm, files, m_bContinueOnError != 0);
+    // The copy holds the lock as this dialog: the status timer, which locks as
+    // the dialog too, would be let in and ask the channel beside the worker.
+    StopStatusTimer();
     progress.DoModal(m_hWnd);
+    if (m_hWnd && m_pDeviceComm) StartStatusTimer();
     std::string report = ondfm::CopyReport(progress.Files(), progress.Errors(), m_pDeviceComm);
     if (!report.empty()) Error(report.c_str());
 }

@@ -276,7 +276,9 @@ void CONXDialog::UpdateCommStatus(uint32_t ctrlId) {
     // A group box draws its caption on one line unless told otherwise; the
     // status is three lines.
     LONG_PTR style = GetWindowLongPtrA(control, GWL_STYLE);
-    if ((style & BS_TYPEMASK) == BS_GROUPBOX && !(style & BS_MULTILINE))
+    char cls[8] = "";
+    GetClassNameA(control, cls, sizeof cls);
+    if (lstrcmpiA(cls, "Button") == 0 && (style & BS_TYPEMASK) == BS_GROUPBOX && !(style & BS_MULTILINE))
         SetWindowLongPtrA(control, GWL_STYLE, style | BS_MULTILINE);
     SetTextIfChanged(control, text.c_str());  // every tick: no repaint for the same text
 }

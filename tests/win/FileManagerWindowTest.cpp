@@ -782,13 +782,18 @@ void TestProgressAndAbort(CSimDevice* sim) {
     for (bool byEscape : {false, true}) {
         std::string count, name;
         int barDuring = -1, totalDuring = -1;
+        uint64_t statesDuring = 99;
         bool smooth = false;
         TBox report;
         uint64_t transfers = sim->CallCount("TransmitFile");
         Drive([&] { Click(dialog, IDC_FM_COPYALL); }, [&] {
             HWND progress = WaitForDialog("Progress");
             if (!progress) return;
-            Sleep(400);
+            // Longer than the status timer's 500 ms: it does not ask the
+            // channel beside the copy.
+            uint64_t states = sim->CallCount("GetState");
+            Sleep(700);
+            statesDuring = sim->CallCount("GetState") - states;
             count = ItemText(progress, IDC_PROG_COUNT);
             name = ItemText(progress, IDC_PROG_CURRENT);
             barDuring = int(SendMessageA(GetDlgItem(progress, IDC_PROG_FILE), PBM_GETPOS, 0, 0));
@@ -808,6 +813,7 @@ void TestProgressAndAbort(CSimDevice* sim) {
         CHECK(barDuring > 0 && barDuring < 100);
         CHECK(totalDuring == 0);
         CHECK(smooth);
+        CHECK(statesDuring == 0);
         CHECK_EQ_STR(report.text, "Error during copying " + first + ": Transfer aborted");
         CHECK(sim->CallCount("TransmitFile") - transfers == 1);  // no further file
         CHECK(!sim->GetStoredFile(0, nullptr));
