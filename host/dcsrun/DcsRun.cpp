@@ -9,8 +9,8 @@
 
 #include "host/console/ConsoleInterrupt.h"
 #include "host/console/ConsolePrompt.h"
+#include "host/console/ConsoleTerminal.h"
 #include "host/dcsrun/DcsCheck.h"
-#include "host/dcsrun/DcsConsole.h"
 #include "host/dcsrun/DcsOptions.h"
 #include "host/dcsrun/DcsVariables.h"
 #include "host/device/HostDevice.h"
@@ -81,7 +81,7 @@ const char* ResultText(EONX_ERR_ERRCODE_ result) {
 }
 
 int Main(int argc, char** argv) {
-    DcsBinaryOutput();
+    ConsoleBinaryStreams();
     TDCSOPTIONS options;
     std::string error;
     if (!ParseDcsOptions(argc, argv, &options, &error)) {

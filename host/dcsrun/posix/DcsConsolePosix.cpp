@@ -1,3 +1,0 @@
-#include "host/dcsrun/DcsConsole.h"
-
-void DcsBinaryOutput() {}  // POSIX streams never translate line ends
