@@ -3,16 +3,19 @@
 
 #include "filemanager/FMRows.h"
 #include "filemanager/FMTexts.h"
+#include "frame/ChannelLock.h"
 
 namespace {
 
-// The lock of a user action; false (and the message shown) when another
+// The lock of a user action; not held (and the message shown) when another
 // owner holds the channel.
-bool LockForUser(COndDeviceComm_0* channel, void* owner, CFMDeviceView_0* view) {
-    if (channel->Lock(owner, ONDCOMM_LOCK_USER_MS) == 0) return true;
-    view->ShowError(ondfm::kMsgLocked);
-    return false;
-}
+class CUserLock : public CChannelLock {
+public:
+    CUserLock(COndDeviceComm_0* channel, void* owner, CFMDeviceView_0* view)
+        : CChannelLock(channel, owner, ONDCOMM_LOCK_USER_MS) {
+        if (!Held()) view->ShowError(ondfm::kMsgLocked);
+    }
+};
 
 // The directory's rows; the count is asked again before every further row,
 // as the channel may change it. Indices are 32 bits wide: no more rows.
@@ -37,7 +40,8 @@ bool ondfm::RefreshDirectory(COndDeviceComm_0* channel, void* owner, CFMDeviceVi
     if (!view) return false;
     view->PrepareDeviceList();
     if (!channel) return false;  // the list keeps its rows
-    if (!LockForUser(channel, owner, view)) return false;
+    CUserLock lock(channel, owner, view);
+    if (!lock.Held()) return false;
     int32_t code = channel->ReadDirectory();
     if (code != 0) {
         view->SetSummary(DirectoryReadFailed(ErrorText(channel, code)).c_str());
@@ -49,7 +53,6 @@ bool ondfm::RefreshDirectory(COndDeviceComm_0* channel, void* owner, CFMDeviceVi
     }
     // Also after a failed read: the list shows whatever count the channel reports.
     view->SetDeviceEntries(ReadEntries(channel));
-    channel->Unlock(owner);
     return code == 0;
 }
 
@@ -64,7 +67,8 @@ void ondfm::DeleteFiles(COndDeviceComm_0* channel, void* owner, CFMDeviceView_0*
             FM_ANSWER_YES ||
         !channel)
         return;
-    if (!LockForUser(channel, owner, view)) return;
+    CUserLock lock(channel, owner, view);
+    if (!lock.Held()) return;
     for (const std::string& text : idTexts) {
         uint8_t fileId = 0;
         if (!ReadDeviceFileId(text.c_str(), &fileId)) continue;  // not a number: skipped
@@ -76,12 +80,12 @@ void ondfm::DeleteFiles(COndDeviceComm_0* channel, void* owner, CFMDeviceView_0*
         }
     }
     RefreshDirectory(channel, owner, view);
-    channel->Unlock(owner);
 }
 
 void ondfm::FormatDevice(COndDeviceComm_0* channel, void* owner, CFMDeviceView_0* view) {
     if (!view || !channel) return;
-    if (!LockForUser(channel, owner, view)) return;
+    CUserLock lock(channel, owner, view);
+    if (!lock.Held()) return;
     int32_t code = 0;
     switch (view->AskFormat(FormatQuestion().c_str())) {
         case FM_ANSWER_YES:
@@ -96,7 +100,7 @@ void ondfm::FormatDevice(COndDeviceComm_0* channel, void* owner, CFMDeviceView_0
     }
     // The channel's text is read while the lock is held; shown after it.
     std::string failure = code != 0 ? FormatFailed(ErrorText(channel, code)) : std::string();
-    channel->Unlock(owner);
+    lock.Release();
     if (!failure.empty()) view->ShowError(failure.c_str());
 }
 
@@ -108,8 +112,8 @@ void ondfm::CopyFiles(COndDeviceComm_0* channel, void* owner, CFMDeviceView_0* v
         return;
     }
     if (!channel) return;
-    if (!LockForUser(channel, owner, view)) return;
+    CUserLock lock(channel, owner, view);
+    if (!lock.Held()) return;
     view->CopyFiles(files);  // the lock is held for the whole copy
     RefreshDirectory(channel, owner, view);
-    channel->Unlock(owner);
 }

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "frame/ChannelLock.h"
 #include "frame/Dialog.h"
 #include "os/Platform.h"
 #include "script/ScriptErrors.h"
@@ -22,14 +23,11 @@ const uint32_t kMaxFullPath = 260;  // longer full names are refused, as with a 
 // object's exception wall.
 template <class TBody>
 EONX_ERR_ERRCODE_ WhileLocked(COndDeviceComm_0* channel, void* owner, TBody&& body) {
-    bool held = false;
-    EONX_ERR_ERRCODE_ result = ondutil::CatchAll(EONX_ERR_OUTOFMEMORY, EONX_ERR_SCRIPTFAILED, [&] {
-        if (channel->Lock(owner, ONDCOMM_LOCK_USER_MS) != 0) return EONX_ERR_LOCKED;
-        held = true;
+    return ondutil::CatchAll(EONX_ERR_OUTOFMEMORY, EONX_ERR_SCRIPTFAILED, [&] {
+        CChannelLock lock(channel, owner, ONDCOMM_LOCK_USER_MS);
+        if (!lock.Held()) return EONX_ERR_LOCKED;
         return body();
     });
-    if (held) channel->Unlock(owner);
-    return result;
 }
 
 bool SameNameIgnoringCase(const char* a, const char* b) {

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "frame/ChannelLock.h"
 #include "util/EscapedString.h"
 
 namespace {
@@ -9,19 +10,6 @@ namespace {
 const char kNotConnected[] = "Not connected to communication device!";
 const char kLocked[] = "Communication device is locked!";
 const char kOutOfMemory[] = "Out of memory";
-
-// Unlocks when it goes, whatever way the work after Lock ends.
-class CUnlockOnExit {
-public:
-    CUnlockOnExit(COndDeviceComm_0* channel, void* owner) : m_channel(channel), m_owner(owner) {}
-    ~CUnlockOnExit() { m_channel->Unlock(m_owner); }
-    CUnlockOnExit(const CUnlockOnExit&) = delete;
-    CUnlockOnExit& operator=(const CUnlockOnExit&) = delete;
-
-private:
-    COndDeviceComm_0* m_channel;
-    void* m_owner;
-};
 
 void SendLocked(COndDeviceComm_0* channel, const std::string& text, bool appendCR,
                 CONXTerminalHistory* history, TTERMINALSEND* send) {
@@ -62,12 +50,12 @@ TTERMINALSEND TerminalSendLine(COndDeviceComm_0* channel, void* owner, const std
             send.status = kNotConnected;
             return send;
         }
-        if (channel->Lock(owner, ONDCOMM_LOCK_USER_MS) != 0) {
+        CChannelLock lock(channel, owner, ONDCOMM_LOCK_USER_MS);
+        if (!lock.Held()) {
             send.result = TERMINAL_LOCKED;
             send.status = kLocked;
             return send;
         }
-        CUnlockOnExit unlock(channel, owner);
         SendLocked(channel, text, appendCR, history, &send);
     } catch (...) {
         // Out of memory before or after Transmit: the line counts as not sent.
@@ -82,9 +70,9 @@ TTERMINALPOLL TerminalPoll(COndDeviceComm_0* channel, void* owner, CONXTerminalR
                            uint64_t maxBytes) {
     TTERMINALPOLL poll;
     if (!channel) return poll;
-    if (channel->Lock(owner, ONDCOMM_LOCK_POLL_MS) != 0) return poll;
+    CChannelLock lock(channel, owner, ONDCOMM_LOCK_POLL_MS);
+    if (!lock.Held()) return poll;
     poll.locked = true;
-    CUnlockOnExit unlock(channel, owner);
     char buffer[kTerminalReceiveBuffer];
     try {
         for (;;) {

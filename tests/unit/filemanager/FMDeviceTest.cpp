@@ -3,6 +3,7 @@
 // back on every path (nested for the refresh after an action).
 #include <gtest/gtest.h>
 
+#include <new>
 #include <string>
 #include <thread>
 #include <vector>
@@ -243,6 +244,28 @@ TEST(FMDevice, CopyHoldsTheLockForTheWholeCopyThenRefreshes) {
     EXPECT_EQ(view.events[2].lockCount, 2u);
     ASSERT_EQ(view.copied.size(), 2u);
     EXPECT_EQ(view.copied[1].path, "b");
+    ExpectUnlocked(&sim);
+}
+
+// Out of memory in the window's part (its list, its copy) unwinds through
+// the action: the lock goes with it, or every later action would find the
+// channel held by a window that no longer works with it.
+TEST(FMDevice, AnOutOfMemoryUnwindGivesTheLockBack) {
+    class CStarvedView : public CFMTestView {
+    public:
+        using CFMTestView::CFMTestView;
+        void SetDeviceEntries(const std::vector<TDEVDIRENTRY>&) override { throw std::bad_alloc(); }
+        void CopyFiles(const TFILEENTRYLIST&) override { throw std::bad_alloc(); }
+    };
+    CSimDevice sim;
+    Store(&sim, 1, 1, 10);
+    CStarvedView view(&sim);
+    EXPECT_THROW(ondfm::RefreshDirectory(&sim, kOwner, &view), std::bad_alloc);
+    ExpectUnlocked(&sim);
+    view.answers = {FM_ANSWER_YES};
+    EXPECT_THROW(ondfm::DeleteFiles(&sim, kOwner, &view, {"1"}), std::bad_alloc);
+    ExpectUnlocked(&sim);
+    EXPECT_THROW(ondfm::CopyFiles(&sim, kOwner, &view, TFILEENTRYLIST(1), true), std::bad_alloc);
     ExpectUnlocked(&sim);
 }
 
