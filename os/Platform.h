@@ -27,6 +27,14 @@ FILE* OsOpenFile(const char* path, const char* mode);
 // owned by another user or group or carrying an access list (POSIX).
 bool OsReplaceFile(const char* tempPath, const char* destPath);
 
+// The size of an open regular file; false for anything else (a folder, a
+// pipe, a device) or when it cannot be told. Leaves the position undefined.
+// 64 bits on Windows too, where the C library's long-based ftell stops at 2 GiB.
+bool OsOpenFileSize(FILE* f, uint64_t* size);
+
+// Moves to offset from the start; beyond the end a following write grows the file.
+bool OsSeekFile(FILE* f, uint64_t offset);
+
 // Removes a file; false when it could not be removed.
 bool OsRemoveFile(const char* path);
 

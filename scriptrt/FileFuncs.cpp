@@ -3,7 +3,6 @@
 #include <string>
 
 #include "os/Platform.h"
-#include "scriptrt/FileAccess.h"
 #include "scriptrt/FileNames.h"
 #include "scriptrt/SysFuncs.h"
 #include "util/FileReplace.h"
@@ -18,7 +17,7 @@ uint32_t WriteInPlace(const std::string& path, uint32_t offset, const char* data
     if (!f) f = OsOpenFile(path.c_str(), "wb");
     if (!f) return 0;
     size_t written = 0;
-    if (ScriptSeekFile(f, offset) && size) written = ondutil::WriteFileBytes(f, data, size);
+    if (OsSeekFile(f, offset) && size) written = ondutil::WriteFileBytes(f, data, size);
     // Bytes that never reached the file do not count.
     if (fflush(f) != 0) written = 0;
     if (fclose(f) != 0) written = 0;
@@ -65,8 +64,8 @@ uint32_t ReadStringFromFile(const TSCRIPTSYSCALL& call) {
     if (ScriptLocalFilePath(call.run, call.Text(0), &path)) f = OsOpenFile(path.c_str(), "rb");
     if (!f) return call.result->SetText(bytes);
     uint64_t size64 = 0;
-    const uint32_t size = ScriptOpenFileSize(f, &size64) ? static_cast<uint32_t>(size64) : 0;
-    if (offset < size && length != 0 && ScriptSeekFile(f, offset)) {
+    const uint32_t size = OsOpenFileSize(f, &size64) ? static_cast<uint32_t>(size64) : 0;
+    if (offset < size && length != 0 && OsSeekFile(f, offset)) {
         const uint32_t want = length < size - offset ? length : size - offset;
         const TSCRIPTSTRINGBUDGET* budget = ScriptStringBudget();
         if (budget && want > budget->maxStringBytes) {
@@ -92,7 +91,7 @@ uint32_t GetFileSize(const TSCRIPTSYSCALL& call) {
     FILE* f = nullptr;
     if (ScriptLocalFilePath(call.run, call.Text(0), &path)) f = OsOpenFile(path.c_str(), "rb");
     if (f) {
-        if (!ScriptOpenFileSize(f, &size)) size = 0;
+        if (!OsOpenFileSize(f, &size)) size = 0;
         fclose(f);
     }
     return call.result->SetNumber(size, SCRIPT_TYPE_UINT32);  // a 32-bit size, deliberately

@@ -1,14 +1,13 @@
 // Sub-script built-ins.
-#include <cstdio>
 #include <string>
 #include <vector>
 
 #include "os/Platform.h"
 #include "script/ScriptExec.h"
-#include "scriptrt/FileAccess.h"
 #include "scriptrt/FileNames.h"
 #include "scriptrt/SysFuncs.h"
 #include "util/PathUtil.h"
+#include "util/WholeFile.h"
 
 namespace ondbuiltin {
 
@@ -18,22 +17,11 @@ const size_t kMaxPath = 260;  // a full path name of at most 261 characters with
 
 // Reads the whole file as raw bytes; 12 when it cannot be read, 1 without memory.
 uint32_t ReadScriptFile(const std::string& path, std::string* text) {
-    FILE* f = OsOpenFile(path.c_str(), "rb");
-    if (!f) return SCRIPT_ERR_SYSFUNC;
-    uint64_t size = 0;
-    uint32_t code = 0;
     try {
-        if (!ScriptOpenFileSize(f, &size) || size > 0xFFFFFFFFu || !ScriptSeekFile(f, 0)) {
-            code = SCRIPT_ERR_SYSFUNC;
-        } else {
-            text->resize((size_t)size);
-            if (size && fread(&(*text)[0], 1, (size_t)size, f) != size) code = SCRIPT_ERR_SYSFUNC;
-        }
+        return ondutil::ReadWholeFile(path.c_str(), text) == ondutil::WHOLEFILE_OK ? 0 : SCRIPT_ERR_SYSFUNC;
     } catch (...) {
-        code = SCRIPT_ERR_OUTOFMEMORY;
+        return SCRIPT_ERR_OUTOFMEMORY;
     }
-    fclose(f);
-    return code;
 }
 
 // Runs the file's main body (functionName null) or its function functionName

@@ -63,6 +63,18 @@ bool OsReplaceFile(const char* tempPath, const char* destPath) {
     return rename(temp.c_str(), dest.c_str()) == 0;
 }
 
+bool OsOpenFileSize(FILE* f, uint64_t* size) {
+    struct stat st;
+    if (fflush(f) != 0 || fstat(fileno(f), &st) != 0 || !S_ISREG(st.st_mode)) return false;
+    *size = (uint64_t)st.st_size;
+    return true;
+}
+
+bool OsSeekFile(FILE* f, uint64_t offset) {
+    if (offset > (uint64_t)INT64_MAX) return false;
+    return fseeko(f, (off_t)offset, SEEK_SET) == 0;
+}
+
 bool OsRemoveFile(const char* path) { return remove(NativePath(path).c_str()) == 0; }
 
 std::string OsCurrentDirectory() {

@@ -1,5 +1,7 @@
 // Win32 platform services (ANSI functions, 8-bit paths).
 #include <windows.h>
+#include <sys/stat.h>
+#include <sys/types.h>
 
 #include <new>
 #include <string>
@@ -45,6 +47,19 @@ bool OsReplaceFile(const char* tempPath, const char* destPath) {
     if (GetLastError() == ERROR_UNABLE_TO_MOVE_REPLACEMENT_2)
         MoveFileExA(backup.c_str(), destPath, MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH);
     return false;
+}
+
+bool OsOpenFileSize(FILE* f, uint64_t* size) {
+    struct _stat64 st;
+    if (fflush(f) != 0 || _fstat64(_fileno(f), &st) != 0 || (st.st_mode & _S_IFMT) != _S_IFREG)
+        return false;
+    *size = (uint64_t)st.st_size;
+    return true;
+}
+
+bool OsSeekFile(FILE* f, uint64_t offset) {
+    if (offset > (uint64_t)INT64_MAX) return false;
+    return _fseeki64(f, (__int64)offset, SEEK_SET) == 0;
 }
 
 bool OsRemoveFile(const char* path) { return DeleteFileA(path) != 0; }

@@ -61,3 +61,30 @@ TEST(OsFiles, ReplaceOverwritesAndFullPathIsAbsolute) {
     EXPECT_EQ(scratch.Read("dest.txt"), "new");
     EXPECT_EQ(scratch.FileCount(), 1u);
 }
+
+// Beyond 4 GiB (a sparse file: nothing is written in between), where a
+// long-based size or position would wrap or fail on Windows; and no size for
+// what is not a plain file.
+TEST(OsFiles, SizesAndPositionsBeyondFourGiB) {
+    CTestScratch scratch;
+    const uint64_t far = (uint64_t(5) << 30) + 3;
+    FILE* f = OsOpenFile(scratch.Path("sparse.bin").c_str(), "wb");
+    ASSERT_NE(f, nullptr);
+    ASSERT_TRUE(OsSeekFile(f, far));
+    fputc('z', f);
+    uint64_t size = 0;
+    EXPECT_TRUE(OsOpenFileSize(f, &size));
+    EXPECT_EQ(size, far + 1);
+    fclose(f);
+    f = OsOpenFile(scratch.Path("sparse.bin").c_str(), "rb");
+    ASSERT_NE(f, nullptr);
+    ASSERT_TRUE(OsSeekFile(f, far));
+    EXPECT_EQ(fgetc(f), 'z');
+    EXPECT_FALSE(OsSeekFile(f, ~uint64_t(0)));
+    fclose(f);
+    f = OsOpenFile(scratch.Dir().c_str(), "rb");
+    if (f) {  // a folder opens for reading on POSIX only
+        EXPECT_FALSE(OsOpenFileSize(f, &size));
+        fclose(f);
+    }
+}
