@@ -13,6 +13,7 @@
 #include "filemanager/FMTexts.h"
 #include "filemanager/win32/ListView.h"
 #include "filemanager/win32/ProgressDialog.h"
+#include "frame/win32/Controls.h"
 #include "res/OndResource.h"
 #include "util/JobFile.h"
 
@@ -197,15 +198,9 @@ void CFileManagerDialog::OnAddFiles() {
         return;
     }
     names[0] = '\0';
-    OPENFILENAMEA ofn = {};
-    ofn.lStructSize = sizeof ofn;
-    ofn.hwndOwner = m_hWnd;
-    ofn.lpstrFilter = kAllFilesFilter;
-    ofn.nFilterIndex = 1;
-    ofn.lpstrFile = names;
-    ofn.nMaxFile = kSelectBufferChars;
-    ofn.lpstrTitle = "Open source file(s)";
-    ofn.Flags = OFN_EXPLORER | OFN_ALLOWMULTISELECT | OFN_HIDEREADONLY;
+    OPENFILENAMEA ofn =
+        FileDialogRequest(m_hWnd, kAllFilesFilter, "Open source file(s)", names, kSelectBufferChars,
+                          nullptr, OFN_EXPLORER | OFN_ALLOWMULTISELECT | OFN_HIDEREADONLY);
     if (GetOpenFileNameA(&ofn)) {
         for (const std::string& path : SelectedPaths(names, ofn.nFileOffset)) m_LocalList.AddFile(path);
     } else {
@@ -226,16 +221,8 @@ void CFileManagerDialog::OnDropFiles(uintptr_t dropHandle) {
 
 void CFileManagerDialog::OnLoadJob() {
     char path[MAX_PATH] = "";
-    OPENFILENAMEA ofn = {};
-    ofn.lStructSize = sizeof ofn;
-    ofn.hwndOwner = m_hWnd;
-    ofn.lpstrFilter = kJobFilter;
-    ofn.nFilterIndex = 1;
-    ofn.lpstrFile = path;
-    ofn.nMaxFile = MAX_PATH;
-    ofn.lpstrTitle = "Open job file";
-    ofn.lpstrDefExt = "dcj";
-    ofn.Flags = OFN_EXPLORER | OFN_HIDEREADONLY;
+    OPENFILENAMEA ofn = FileDialogRequest(m_hWnd, kJobFilter, "Open job file", path, MAX_PATH, "dcj",
+                                          OFN_EXPLORER | OFN_HIDEREADONLY);
     if (!GetOpenFileNameA(&ofn)) return;
     TFILEENTRYLIST entries;
     if (!ondutil::LoadJobFile(path, &entries)) {
@@ -252,16 +239,8 @@ void CFileManagerDialog::OnSaveJob() {
         return;
     }
     char path[MAX_PATH] = "";
-    OPENFILENAMEA ofn = {};
-    ofn.lStructSize = sizeof ofn;
-    ofn.hwndOwner = m_hWnd;
-    ofn.lpstrFilter = kListFilter;
-    ofn.nFilterIndex = 1;
-    ofn.lpstrFile = path;
-    ofn.nMaxFile = MAX_PATH;
-    ofn.lpstrTitle = "Save list file";
-    ofn.lpstrDefExt = "dcj";
-    ofn.Flags = OFN_EXPLORER;  // no question when the file exists
+    OPENFILENAMEA ofn = FileDialogRequest(m_hWnd, kListFilter, "Save list file", path, MAX_PATH, "dcj",
+                                          OFN_EXPLORER);  // no question when the file exists
     if (!GetSaveFileNameA(&ofn)) return;
     TFILEENTRYLIST entries = m_LocalList.AllEntries();
     if (!ondutil::SaveJobFile(path, &entries)) Error(ondfm::kMsgCannotCreateList);

@@ -43,3 +43,18 @@ void ListBoxFitHorizontalExtent(HWND listBox) {
     ReleaseDC(listBox, dc);
     SendMessageA(listBox, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(widest), 0);
 }
+
+OPENFILENAMEA FileDialogRequest(HWND owner, const char* filter, const char* title, char* buffer,
+                                DWORD bufferChars, const char* defExt, DWORD flags) {
+    OPENFILENAMEA ofn = {};
+    ofn.lStructSize = sizeof ofn;
+    ofn.hwndOwner = owner;
+    ofn.lpstrFilter = filter;
+    ofn.nFilterIndex = 1;
+    ofn.lpstrFile = buffer;
+    ofn.nMaxFile = bufferChars;
+    ofn.lpstrTitle = title;
+    ofn.lpstrDefExt = defExt;
+    ofn.Flags = flags;
+    return ofn;
+}

@@ -123,22 +123,10 @@ void CScriptProcessorDialog::Error(const char* text) {
 bool CScriptProcessorDialog::AskScriptPath(bool save, std::string* path) {
     char file[MAX_PATH] = "";
     lstrcpynA(file, path->c_str(), MAX_PATH);
-    OPENFILENAMEA ofn = {};
-    ofn.lStructSize = sizeof ofn;
-    ofn.hwndOwner = m_hWnd;
-    ofn.lpstrFilter = kScriptFilter;
-    ofn.nFilterIndex = 1;
-    ofn.lpstrFile = file;
-    ofn.nMaxFile = MAX_PATH;
-    ofn.lpstrDefExt = "dcs";
-    ofn.Flags = OFN_EXPLORER | OFN_HIDEREADONLY;
-    if (save) {
-        ofn.lpstrTitle = "New script file";
-        ofn.Flags |= OFN_OVERWRITEPROMPT;
-    } else {
-        ofn.lpstrTitle = "Open a script file";
-        ofn.Flags |= OFN_PATHMUSTEXIST | OFN_FILEMUSTEXIST;
-    }
+    OPENFILENAMEA ofn = FileDialogRequest(
+        m_hWnd, kScriptFilter, save ? "New script file" : "Open a script file", file, MAX_PATH, "dcs",
+        OFN_EXPLORER | OFN_HIDEREADONLY |
+            (save ? OFN_OVERWRITEPROMPT : OFN_PATHMUSTEXIST | OFN_FILEMUSTEXIST));
     if (!(save ? GetSaveFileNameA(&ofn) : GetOpenFileNameA(&ofn))) return false;
     *path = file;
     return true;
