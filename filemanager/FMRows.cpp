@@ -3,6 +3,7 @@
 
 #include <cstdio>
 
+#include "util/AsciiCase.h"
 #include "util/JobFile.h"
 
 namespace {
@@ -14,15 +15,7 @@ std::string Decimal(uint32_t value) {
 }
 
 bool EndsWithRbf(const std::string& path) {
-    if (path.size() < 4) return false;
-    const char* tail = path.c_str() + path.size() - 4;
-    const char* want = ".rbf";
-    for (int i = 0; i < 4; ++i) {
-        char c = tail[i];
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-        if (c != want[i]) return false;
-    }
-    return true;
+    return path.size() >= 4 && ondutil::EqualsIgnoringCase(path.c_str() + path.size() - 4, ".rbf");
 }
 
 uint8_t ReadColumn(const std::string& text, uint8_t otherwise) {

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "script/ScriptErrors.h"
+#include "util/AsciiCase.h"
 #include "util/EscapedString.h"
 
 const TSCRIPTOPERATOR g_ScriptOperators[SCRIPT_OP_COUNT] = {
@@ -23,8 +24,6 @@ const char kSuffixLetters[] = "UuSsLlHh";
 
 inline bool In(const char* set, char c) { return c != '\0' && strchr(set, c) != nullptr; }
 inline bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
-
-inline char Lower(char c) { return (c >= 'A' && c <= 'Z') ? (char)(c + 32) : c; }
 
 // Hexadecimal and binary digits after the prefix. Returns the count scanned,
 // or -1 for a malformed number.
@@ -55,13 +54,7 @@ uint8_t KeywordOf(const std::string& t) {
 
 }  // namespace
 
-bool ScriptNamesEqual(const char* a, const char* b) {
-    while (*a && Lower(*a) == Lower(*b)) {
-        a++;
-        b++;
-    }
-    return Lower(*a) == Lower(*b);
-}
+bool ScriptNamesEqual(const char* a, const char* b) { return ondutil::EqualsIgnoringCase(a, b); }
 
 uint32_t OperatorClass(const char* text, size_t n) {
     for (const TSCRIPTOPERATOR& op : g_ScriptOperators)
@@ -143,8 +136,8 @@ uint32_t ScanToken(const char* text, uint64_t length, uint64_t pos, TSCRIPTTOKEN
         t.end = pos + n;
         return 0;
     }
-    if (c == '0' && (Lower(s[1]) == 'x' || Lower(s[1]) == 'b')) {
-        bool hex = Lower(s[1]) == 'x';
+    if (c == '0' && (ondutil::AsciiLower(s[1]) == 'x' || ondutil::AsciiLower(s[1]) == 'b')) {
+        bool hex = ondutil::AsciiLower(s[1]) == 'x';
         int64_t n = ScanPrefixedNumber(s + 2, hex ? kHexDigits : kBinDigits);
         if (n < 0) return t.error = SCRIPT_ERR_SYNTAX;
         t.text.assign(s + 2, (size_t)n);

@@ -1,6 +1,5 @@
 #include "scriptrt/ScriptProcessor.h"
 
-#include <cctype>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -9,6 +8,7 @@
 #include "frame/Dialog.h"
 #include "os/Platform.h"
 #include "script/ScriptErrors.h"
+#include "script/ScriptLexer.h"
 #include "script/ScriptValue.h"
 #include "scriptrt/OperatorPrompt.h"
 #include "scriptrt/SysFuncTable.h"
@@ -28,13 +28,6 @@ EONX_ERR_ERRCODE_ WhileLocked(COndDeviceComm_0* channel, void* owner, TBody&& bo
         if (!lock.Held()) return EONX_ERR_LOCKED;
         return body();
     });
-}
-
-bool SameNameIgnoringCase(const char* a, const char* b) {
-    for (;; ++a, ++b) {
-        if (toupper((unsigned char)*a) != toupper((unsigned char)*b)) return false;
-        if (!*a) return true;
-    }
 }
 
 }  // namespace
@@ -163,7 +156,7 @@ EONX_ERR_ERRCODE_ CONXScriptProcessor::GetVariables(TONX_SCRIPTVARIABLE* records
         if (!record.name) continue;
         for (CONXScriptVariable* external : m_externals) {
             if (external->GetObjectKind() != SCRIPT_OBJ_VARIABLE) continue;
-            if (!SameNameIgnoringCase(external->GetName(), record.name)) continue;
+            if (!ScriptNamesEqual(external->GetName(), record.name)) continue;
             CONXScriptVariable* variable = external->Resolved();
             uint32_t type = variable->Type();
             record.type = type;

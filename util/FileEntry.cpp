@@ -1,20 +1,8 @@
 // The mode words and the decimal columns of lists of files to copy.
 #include "util/FileEntry.h"
 
-namespace {
+#include "util/AsciiCase.h"
 
-// _stricmp(text, word) == 0 with ASCII case folding.
-bool EqualsNoCase(const char* text, const char* word) {
-    for (;; ++text, ++word) {
-        unsigned char a = static_cast<unsigned char>(*text), b = static_cast<unsigned char>(*word);
-        if (a >= 'A' && a <= 'Z') a = static_cast<unsigned char>(a - 'A' + 'a');
-        if (b >= 'A' && b <= 'Z') b = static_cast<unsigned char>(b - 'A' + 'a');
-        if (a != b) return false;
-        if (a == 0) return true;
-    }
-}
-
-}  // namespace
 
 const char* ondutil::FileModeText(uint32_t fileMode) {
     switch (fileMode) {
@@ -26,8 +14,8 @@ const char* ondutil::FileModeText(uint32_t fileMode) {
 
 uint32_t ondutil::FileModeFromText(const char* text) {
     if (!text) return FILEMODE_NORMAL;
-    if (EqualsNoCase(text, "bit reverse")) return FILEMODE_BITREVERSE;
-    if (EqualsNoCase(text, "program")) return FILEMODE_PROGRAM;
+    if (EqualsIgnoringCase(text, "bit reverse")) return FILEMODE_BITREVERSE;
+    if (EqualsIgnoringCase(text, "program")) return FILEMODE_PROGRAM;
     return FILEMODE_NORMAL;
 }
 

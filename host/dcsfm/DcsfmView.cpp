@@ -4,6 +4,7 @@
 #include "filemanager/FMTexts.h"
 #include "frame/ErrCode.h"
 #include "host/dcsfm/DcsfmProgress.h"
+#include "util/AsciiCase.h"
 
 void CDcsfmView::ShowError(const char* text) {
     std::fprintf(m_setup.messages, "%s\n", text);
@@ -21,7 +22,7 @@ std::string CDcsfmView::ReadAnswer() {
     std::string answer;
     for (const char* c = line; *c; ++c) {
         if (*c == ' ' || *c == '\t' || *c == '\r' || *c == '\n') continue;
-        answer += (*c >= 'A' && *c <= 'Z') ? char(*c - 'A' + 'a') : *c;
+        answer += ondutil::AsciiLower(*c);
     }
     return answer;
 }

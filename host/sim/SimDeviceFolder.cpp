@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/sim/SimDevice.h"
+#include "util/AsciiCase.h"
 #include "util/WholeFile.h"
 
 namespace fs = std::filesystem;
@@ -31,15 +32,9 @@ bool ReadByte(const std::string& text, size_t* at, uint8_t* value) {
 }
 
 bool IsProgramName(const std::string& name) {
-    const char word[] = "program";
-    const size_t length = sizeof word - 1;
-    if (name.size() < length) return false;
-    for (size_t i = 0; i < length; ++i) {
-        char c = name[i];
-        if (c >= 'A' && c <= 'Z') c = char(c - 'A' + 'a');
-        if (c != word[i]) return false;
-    }
-    return name.size() == length || name[length] == '.';
+    const size_t length = 7;  // "program"
+    return name.size() >= length && ondutil::EqualsIgnoringCase(name.substr(0, length).c_str(), "program") &&
+           (name.size() == length || name[length] == '.');
 }
 
 bool WriteFile(const fs::path& path, const std::string& data) {
