@@ -78,17 +78,6 @@ const char* CommandName(EDCSFMCOMMAND command) {
     }
 }
 
-// A decimal 0 to 255, digits only: a typo must not reach the device as
-// another file's ID (the window's number columns keep the low 8 bits).
-bool ParseByte(const std::string& text, int* value) {
-    if (text.empty() || text.size() > 3 || text.find_first_not_of("0123456789") != std::string::npos)
-        return false;
-    int v = std::stoi(text);
-    if (v > 255) return false;
-    *value = v;
-    return true;
-}
-
 bool ParseMode(const std::string& text, int* mode) {
     if (text == "normal") *mode = FILEMODE_NORMAL;
     else if (text == "bit-reverse" || text == "bit reverse") *mode = FILEMODE_BITREVERSE;
@@ -193,8 +182,8 @@ bool CParser::Positional(const std::string& arg) {
         return true;
     }
     if (command == DCSFM_RM) {
-        int id = 0;
-        if (!ParseByte(arg, &id)) return Fail("bad file ID '" + arg + "' (0 to 255)");
+        uint64_t id = 0;
+        if (!ParseOptionNumber(arg, 255, &id)) return Fail("bad file ID '" + arg + "' (0 to 255)");
         m_options->fileIds.push_back(uint8_t(id));
         return true;
     }
@@ -209,10 +198,11 @@ bool CParser::Property(const std::string& name, const std::string& value) {
             return Fail("bad mode '" + value + "' (normal, bit-reverse or program)");
         return true;
     }
-    int* field = name == "--id" ? &m_pending.fileId : &m_pending.fileType;
-    if (!ParseByte(value, field))
+    uint64_t number = 0;
+    if (!ParseOptionNumber(value, 255, &number))
         return Fail(std::string("bad file ") + (name == "--id" ? "ID" : "type") + " '" + value +
                     "' (0 to 255)");
+    (name == "--id" ? m_pending.fileId : m_pending.fileType) = int(number);
     return true;
 }
 

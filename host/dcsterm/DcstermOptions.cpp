@@ -1,8 +1,5 @@
 #include "host/dcsterm/DcstermOptions.h"
 
-#include <cerrno>
-#include <cstdlib>
-
 #include "host/console/ConsoleOptions.h"
 
 namespace {
@@ -41,16 +38,6 @@ const char kUsageTail[] =
     "  0 done    1 a line was not sent (bad escapes, device locked, channel error)\n"
     "  or receiving failed    2 bad command line or file    7 the serial port cannot\n"
     "  be opened\n";
-
-bool ParseMs(const std::string& text, uint32_t* value) {
-    if (text.empty() || text[0] == '-') return false;
-    errno = 0;
-    char* end = nullptr;
-    unsigned long v = std::strtoul(text.c_str(), &end, 10);
-    if (errno || *end || v > 86400000ul) return false;
-    *value = static_cast<uint32_t>(v);
-    return true;
-}
 
 }  // namespace
 
@@ -96,9 +83,13 @@ bool ParseDcstermOptions(int argc, const char* const* argv, TDCSTERMOPTIONS* opt
                 return false;
             }
             options->logFile = value;
-        } else if (!ParseMs(value, &options->idleMs)) {
-            *error = "bad time '" + value + "' for --idle (milliseconds)";
-            return false;
+        } else {
+            uint64_t idleMs = 0;
+            if (!ParseOptionNumber(value, 86400000, &idleMs)) {
+                *error = "bad time '" + value + "' for --idle (milliseconds)";
+                return false;
+            }
+            options->idleMs = static_cast<uint32_t>(idleMs);
         }
     }
     if (options->help) return true;

@@ -45,16 +45,6 @@ const char kUsage[] =
     "                               ReadDirectory, DeleteDeviceFile, FormatDevice, ...)\n"
     "                               fails, with CODE or the simulated fault's code\n";
 
-bool ParseCount(const char* text, uint64_t* value) {
-    if (!*text || *text == '-') return false;
-    errno = 0;
-    char* end = nullptr;
-    unsigned long long v = strtoull(text, &end, 0);
-    if (errno || *end) return false;
-    *value = v;
-    return true;
-}
-
 bool ParseDevice(const std::string& device, THOSTDEVICEOPTIONS* options, std::string* error) {
     if (device == "sim") {
         options->serial = false;
@@ -72,7 +62,7 @@ bool ParseDevice(const std::string& device, THOSTDEVICEOPTIONS* options, std::st
     if (colon != std::string::npos && colon + 1 < port.size() &&
         port.find_first_not_of("0123456789", colon + 1) == std::string::npos) {
         uint64_t value = 0;
-        if (!ParseCount(port.c_str() + colon + 1, &value) || value == 0 || value > 4000000) {
+        if (!ParseOptionNumber(port.substr(colon + 1), 4000000, &value) || value == 0) {
             *error = "bad baud rate in '" + device + "'";
             return false;
         }
@@ -98,7 +88,7 @@ bool ParseFault(const std::string& text, THOSTDEVICEOPTIONS::TFault* fault, std:
     std::string call = text.substr(first + 1, second == std::string::npos ? std::string::npos
                                                                           : second - first - 1);
     uint64_t k = 0;
-    if (!ParseCount(call.c_str(), &k) || k == 0 || k > 0xFFFFFFFFu) return false;
+    if (!ParseOptionNumber(call, 0xFFFFFFFFu, &k) || k == 0) return false;
     long long code = SIMDEV_ERR_INJECTED;
     if (second != std::string::npos) {
         const char* digits = text.c_str() + second + 1;
@@ -120,6 +110,18 @@ bool ParseFault(const std::string& text, THOSTDEVICEOPTIONS::TFault* fault, std:
 }
 
 }  // namespace
+
+bool ParseOptionNumber(const std::string& text, uint64_t max, uint64_t* value) {
+    if (text.empty() || text.find_first_not_of("0123456789") != std::string::npos) return false;
+    uint64_t v = 0;
+    for (char c : text) {
+        uint64_t digit = uint64_t(c - '0');
+        if (v > (max - digit) / 10) return false;
+        v = v * 10 + digit;
+    }
+    *value = v;
+    return true;
+}
 
 bool IsHostDeviceOption(const std::string& name) {
     return name == "--device" || name == "--sim-receive" || name == "--sim-receive-bytes" ||
@@ -150,7 +152,7 @@ bool ParseHostDeviceOption(const std::string& name, const std::string& value,
     }
     if (name == "--sim-delay") {
         uint64_t ms = 0;
-        if (!ParseCount(value.c_str(), &ms) || ms > 60000) {
+        if (!ParseOptionNumber(value, 60000, &ms)) {
             *error = "bad time '" + value + "' for --sim-delay (0 to 60000 milliseconds)";
             return false;
         }
@@ -158,7 +160,7 @@ bool ParseHostDeviceOption(const std::string& name, const std::string& value,
         return true;
     }
     uint64_t* count = name == "--sim-talk" ? &options->simTalkRate : &options->simReceiveBytes;
-    if (!ParseCount(value.c_str(), count)) {
+    if (!ParseOptionNumber(value, UINT64_MAX, count)) {
         *error = "bad byte count '" + value + "' for " + name;
         return false;
     }

@@ -46,6 +46,10 @@ bool CheckHostDeviceOptions(const THOSTDEVICEOPTIONS& options, std::string* erro
 // The help lines of the device options.
 const char* HostDeviceUsage();
 
+// A number on a host program's command line: decimal digits only (no sign,
+// blank or base prefix: "010" is ten, not eight), at most max.
+bool ParseOptionNumber(const std::string& text, uint64_t max, uint64_t* value);
+
 // The lines the talking simulated device sends: 78 characters and CR LF.
 std::string HostDeviceTalkLine();
 

@@ -127,6 +127,9 @@ TEST(DcsfmOptions, BadCommandLines) {
         {{"ls", "--sim-fault", "TransmitFile:1:x"}, "bad fault 'TransmitFile:1:x'"},
         {{"ls", "--sim-delay", "-1"}, "bad time '-1' for --sim-delay"},
         {{"ls", "--sim-delay", "60001"}, "bad time '60001' for --sim-delay"},
+        {{"ls", "--sim-delay", "0x10"}, "bad time '0x10' for --sim-delay"},
+        {{"ls", "--sim-receive-bytes", "18446744073709551616"}, "bad byte count '18446744073709551616'"},
+        {{"ls", "--device", "serial:COM1:4000001"}, "bad baud rate in 'serial:COM1:4000001'"},
     };
     for (const auto& c : cases) {
         TDCSFMOPTIONS options;
@@ -192,6 +195,12 @@ TEST(HostDeviceSim, FolderFaultsAndDelayFromTheOptions) {
     ASSERT_TRUE(ParseHostDeviceOption("--sim-files", (dir / "in").string(), &options, &error));
     ASSERT_TRUE(ParseHostDeviceOption("--sim-save", (dir / "out").string(), &options, &error));
     ASSERT_TRUE(ParseHostDeviceOption("--sim-fault", "DeleteDeviceFile:2:1001", &options, &error));
+    // Decimal, as written: a leading zero is no octal prefix.
+    ASSERT_TRUE(ParseHostDeviceOption("--sim-delay", "010", &options, &error));
+    EXPECT_EQ(options.simDelayMs, 10u);
+    ASSERT_TRUE(ParseHostDeviceOption("--sim-receive-bytes", "18446744073709551615", &options, &error));
+    EXPECT_EQ(options.simReceiveBytes, UINT64_MAX);
+    options.simReceiveBytes = 0;
     ASSERT_TRUE(ParseHostDeviceOption("--sim-delay", "3", &options, &error));
     CHostDevice device;
     ASSERT_EQ(device.Open(options, &error), HOSTDEVICE_OPENED) << error;
