@@ -39,11 +39,11 @@ CConsolePrompt::CConsolePrompt(bool batchRequested)
 CConsolePrompt::CConsolePrompt(bool batch, FILE* input, FILE* output)
     : m_batch(batch), m_input(input), m_output(output) {}
 
-bool CConsolePrompt::ReadLine(std::string* line) {
+bool ReadConsoleLine(FILE* input, std::string* line) {
     line->clear();
     char buffer[256];
     bool any = false;
-    while (fgets(buffer, sizeof buffer, m_input)) {
+    while (fgets(buffer, sizeof buffer, input)) {
         any = true;
         line->append(buffer);
         if (!line->empty() && line->back() == '\n') break;

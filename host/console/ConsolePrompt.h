@@ -13,6 +13,10 @@
 
 #include "scriptrt/OperatorPrompt.h"
 
+// One answer line of any length, without its line end; false at the end of
+// input.
+bool ReadConsoleLine(FILE* input, std::string* line);
+
 class CConsolePrompt : public CONXOperatorPrompt_0 {
 public:
     // Batch mode when batchRequested (dcsrun --batch) or when standard input
@@ -32,8 +36,7 @@ public:
                                 uint32_t* index) override;
 
 private:
-    // One answer line without its line end; false at the end of input.
-    bool ReadLine(std::string* line);
+    bool ReadLine(std::string* line) { return ReadConsoleLine(m_input, line); }
     void Write(const std::string& text);
     void BatchNote(const char* function, const char* prompt);
 

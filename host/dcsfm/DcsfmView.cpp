@@ -3,6 +3,7 @@
 #include "filemanager/FMCopyLoop.h"
 #include "filemanager/FMTexts.h"
 #include "frame/ErrCode.h"
+#include "host/console/ConsolePrompt.h"
 #include "host/dcsfm/DcsfmProgress.h"
 #include "util/AsciiCase.h"
 
@@ -14,16 +15,14 @@ void CDcsfmView::ShowError(const char* text) {
 
 std::string CDcsfmView::ReadAnswer() {
     std::fflush(m_setup.messages);
-    char line[256];
-    if (!std::fgets(line, sizeof line, m_setup.answers)) {
+    std::string line;
+    if (!ReadConsoleLine(m_setup.answers, &line)) {
         std::fputc('\n', m_setup.messages);  // the prompt's line ends all the same
         return std::string();
     }
     std::string answer;
-    for (const char* c = line; *c; ++c) {
-        if (*c == ' ' || *c == '\t' || *c == '\r' || *c == '\n') continue;
-        answer += ondutil::AsciiLower(*c);
-    }
+    for (char c : line)
+        if (c != ' ' && c != '\t') answer += ondutil::AsciiLower(c);
     return answer;
 }
 

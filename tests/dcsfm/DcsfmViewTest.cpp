@@ -87,6 +87,7 @@ protected:
 }  // namespace
 
 TEST(DcsfmView, QuestionsAsTheConsoleAsksThem) {
+    static const std::string padded = std::string(300, ' ') + "yes\n";  // one line, however long
     const struct {
         bool format;
         const char* typed;
@@ -95,6 +96,7 @@ TEST(DcsfmView, QuestionsAsTheConsoleAsksThem) {
     } cases[] = {
         {false, "y\n", FM_ANSWER_YES, false},
         {false, " YES \r\n", FM_ANSWER_YES, false},
+        {false, padded.c_str(), FM_ANSWER_YES, false},
         {false, "n\n", FM_ANSWER_NO, true},
         {false, "\n", FM_ANSWER_NO, true},
         {false, "", FM_ANSWER_NO, true},  // the end of input
