@@ -130,15 +130,12 @@ bool SaveSimFolder(CSimDevice* sim, const std::string& folder, std::string* erro
     fs::create_directories(folder, ec);
     std::vector<fs::path> old;
     if (!ListFiles(folder, &old, error)) return false;
-    for (const fs::path& path : old) {
-        if (!ParseSimFileName(path.filename().string(), nullptr)) continue;
-        if (!fs::remove(path, ec) || ec) {
-            *error = "cannot remove " + path.string();
-            return false;
-        }
-    }
+    // Written first, removed after: a save that fails on the way leaves the
+    // earlier one's files in place.
+    std::vector<fs::path> written;
     auto write = [&](const std::string& name, const std::string& data) {
         fs::path path = fs::path(folder) / name;
+        written.push_back(path);
         if (WriteFile(path, data)) return true;
         *error = "cannot write " + path.string();
         return false;
@@ -150,5 +147,19 @@ bool SaveSimFolder(CSimDevice* sim, const std::string& folder, std::string* erro
             return false;
     }
     if (sim->HasProgram() && !write(kProgramName, sim->ProgramImage())) return false;
+    // The same file may be named in another case than it was just written
+    // under (Windows): sameness is asked of the file system, not of the names.
+    auto isWritten = [&](const fs::path& path) {
+        for (const fs::path& done : written)
+            if (fs::equivalent(path, done, ec)) return true;
+        return false;
+    };
+    for (const fs::path& path : old) {
+        if (!ParseSimFileName(path.filename().string(), nullptr) || isWritten(path)) continue;
+        if (!fs::remove(path, ec) || ec) {
+            *error = "cannot remove " + path.string();
+            return false;
+        }
+    }
     return true;
 }

@@ -37,7 +37,7 @@ std::string SimFileName(uint8_t fileId, uint8_t fileType);
 // the folder cannot be read, a name breaks the rule or the files do not fit.
 bool LoadSimFolder(CSimDevice* sim, const std::string& folder, std::string* error);
 
-// Writes the device's files into the folder (made when missing), after
-// removing the files there that the rule names (an earlier save), so that the
+// Writes the device's files into the folder (made when missing), then removes
+// the other files there that the rule names (an earlier save), so that the
 // folder shows the device as it is; other files stay. false with *error.
 bool SaveSimFolder(CSimDevice* sim, const std::string& folder, std::string* error);

@@ -121,6 +121,24 @@ TEST_F(SimFolder, ASaveReplacesWhatTheRuleNamesAndKeepsOtherFiles) {
     ASSERT_TRUE(SaveSimFolder(&sim, Native().string(), &error)) << error;
     EXPECT_EQ(Names(Native()), "004-1.bin notes.txt ");
     EXPECT_EQ(Read("notes.txt"), "mine");
+
+    // A save that fails on the way (a folder where a file must go) leaves
+    // the earlier save's files.
+    fs::create_directories(Native("005-1.bin"));
+    ASSERT_EQ(sim.TransmitFileFromMemory("five", 4, 5, 1, 0, nullptr, nullptr, 1, 1), 0);
+    ASSERT_EQ(sim.DeleteDeviceFile(4), 0);
+    EXPECT_FALSE(SaveSimFolder(&sim, Native().string(), &error));
+    EXPECT_NE(error.find("cannot write"), std::string::npos) << error;
+    EXPECT_EQ(Read("004-1.bin"), "four");
+    fs::remove(Native("005-1.bin"));
+
+    // The program saved over a name in other case: on Windows the same file,
+    // which must not be removed as an earlier save's.
+    Write("PROGRAM.BIN", "old image");
+    ASSERT_EQ(sim.TransmitFileFromMemory("image", 5, 0, 0, SIMDEV_MODE_PROGRAM, nullptr, nullptr, 1, 1), 0);
+    ASSERT_TRUE(sim.HasProgram());
+    ASSERT_TRUE(SaveSimFolder(&sim, Native().string(), &error)) << error;
+    EXPECT_EQ(Read("program.bin"), "image");
 }
 
 TEST_F(SimFolder, RefusesWhatTheRuleDoesNotCover) {
