@@ -59,7 +59,6 @@ bool ParseDcsOptions(int argc, const char* const* argv, TDCSOPTIONS* options, st
     for (int i = 1; i < argc; ++i) {
         std::string arg = argv[i];
         if (optionsEnd || arg.empty() || arg[0] != '-' || arg == "-") {
-            if (options->script.empty()) options->script = arg;
             options->scripts.push_back(arg);
             continue;
         }
@@ -101,7 +100,7 @@ bool ParseDcsOptions(int argc, const char* const* argv, TDCSOPTIONS* options, st
     }
     if (options->help) return true;
     if (!CheckHostDeviceOptions(options->device, error)) return false;
-    if (options->script.empty()) {
+    if (options->scripts.empty() || options->scripts[0].empty()) {
         *error = "no script given";
         return false;
     }

@@ -8,7 +8,6 @@
 #include "host/device/HostDevice.h"
 
 struct TDCSOPTIONS {
-    std::string script;
     bool check = false;                // --check: parse only
     std::vector<std::string> scripts;  // every script named (several only with --check)
     THOSTDEVICEOPTIONS device;

@@ -103,9 +103,10 @@ int Main(int argc, char** argv) {
         TDCSCHECK check = {&options, &variables, 0};
         return RunOnScriptThread(CheckJob, &check) ? check.status : int(EONX_ERR_OUTOFMEMORY);
     }
+    const std::string& script = options.scripts.front();
     std::error_code ec;
-    if (std::filesystem::is_directory(options.script, ec)) {
-        fprintf(stderr, "dcsrun: %s: is a folder, not a script\n", options.script.c_str());
+    if (std::filesystem::is_directory(script, ec)) {
+        fprintf(stderr, "dcsrun: %s: is a folder, not a script\n", script.c_str());
         return EONX_ERR_FILEOPEN;
     }
 
@@ -138,12 +139,12 @@ int Main(int argc, char** argv) {
         }
     }
 
-    TDCSJOB job = {&processor, options.script.c_str(), EONX_ERR_NONE};
+    TDCSJOB job = {&processor, script.c_str(), EONX_ERR_NONE};
     if (!RunOnScriptThread(RunJob, &job)) return EONX_ERR_OUTOFMEMORY;
     fflush(stdout);
 
     if (const char* text = ResultText(job.result))
-        fprintf(stderr, "dcsrun: %s: %s (result %u)\n", options.script.c_str(), text,
+        fprintf(stderr, "dcsrun: %s: %s (result %u)\n", script.c_str(), text,
                 (unsigned)job.result);
     for (const std::string& name : options.gets) {
         TONX_SCRIPTVARIABLE query = DcsQueryRecord(name.c_str());
