@@ -24,6 +24,7 @@
 #include <vector>
 
 #include "frame/DeviceClient.h"
+#include "host/console/ConsoleOptions.h"
 #include "host/device/HostDevice.h"
 #include "host/sim/SimDevice.h"
 
@@ -394,34 +395,39 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int show) {
 
     THOSTDEVICEOPTIONS deviceOptions;
     std::string error;
+    const char* usage = "usage: ondhost [--route callback|window|thread] [--dll <path>] "
+                        "[--exit-after <ms>] [--run <script.dcs>] "
+                        "[--device sim|serial:PORT[:BAUD]] [--sim-delay <ms>]";
     for (int i = 1; i < __argc; ++i) {
-        std::string arg = __argv[i];
-        std::string value = i + 1 < __argc ? __argv[i + 1] : "";
-        if (IsHostDeviceOption(arg) && !value.empty()) {
-            if (!ParseHostDeviceOption(arg, value, &deviceOptions, &error))
+        // Every option takes a value: "--opt value" or "--opt=value".
+        std::string name, value;
+        bool inlineValue = SplitConsoleOption(__argv[i], &name, &value);
+        bool device = IsHostDeviceOption(name);
+        if (!device && name != "--route" && name != "--dll" && name != "--run" && name != "--exit-after")
+            return Fail(usage);
+        if (!inlineValue && !TakeConsoleOptionValue(__argc, __argv, &i, name, &value, &error))
+            return Fail(("ondhost: " + error).c_str());
+        if (device) {
+            if (!ParseHostDeviceOption(name, value, &deviceOptions, &error))
                 return Fail(("ondhost: " + error).c_str());
-            ++i;
-        } else if (arg == "--route" && !value.empty()) {
+        } else if (value.empty()) {
+            return Fail(usage);
+        } else if (name == "--route") {
             if (value == "callback") g_host.route = ROUTE_CALLBACK;
             else if (value == "window") g_host.route = ROUTE_WINDOW;
             else if (value == "thread") g_host.route = ROUTE_THREAD;
             else return Fail("--route takes callback, window or thread");
-            ++i;
-        } else if (arg == "--dll" && !value.empty()) {
+        } else if (name == "--dll") {
             dllPath = value;
-            ++i;
-        } else if (arg == "--run" && !value.empty()) {
+        } else if (name == "--run") {
             char full[MAX_PATH] = "";
             DWORD length = GetFullPathNameA(value.c_str(), MAX_PATH, full, nullptr);
             g_host.runScript = length > 0 && length < MAX_PATH ? full : value;
-            ++i;
-        } else if (arg == "--exit-after" && !value.empty()) {
-            g_host.exitAfter = UINT(std::strtoul(value.c_str(), nullptr, 10));
-            ++i;
         } else {
-            return Fail("usage: ondhost [--route callback|window|thread] [--dll <path>] "
-                        "[--exit-after <ms>] [--run <script.dcs>] "
-                        "[--device sim|serial:PORT[:BAUD]] [--sim-delay <ms>]");
+            uint64_t ms = 0;
+            if (!ParseOptionNumber(value, 86400000, &ms))
+                return Fail(("ondhost: bad time '" + value + "' for --exit-after (milliseconds)").c_str());
+            g_host.exitAfter = UINT(ms);
         }
     }
     if (!CheckHostDeviceOptions(deviceOptions, &error)) return Fail(("ondhost: " + error).c_str());
