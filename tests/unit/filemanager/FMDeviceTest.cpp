@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "FMTestView.h"
+#include "tests/unit/SimTestSupport.h"
 #include "filemanager/FMDevice.h"
 #include "filemanager/FMTexts.h"
 #include "host/serial/SerialChannel.h"
@@ -19,10 +20,7 @@ int g_ownerToken;
 void* const kOwner = &g_ownerToken;  // the window's place as lock owner
 
 void Store(CSimDevice* sim, uint8_t id, uint8_t type, size_t size) {
-    std::string data(size, 'd');
-    ASSERT_EQ(sim->TransmitFileFromMemory(data.data(), data.size(), id, type, 0, nullptr, nullptr,
-                                          1, 1),
-              0);
+    ASSERT_EQ(TestStore(sim, id, type, std::string(size, 'd')), 0);
 }
 
 void ExpectUnlocked(CSimDevice* sim) {
@@ -52,15 +50,8 @@ TEST(FMDevice, RefreshShowsSummaryAndRowsUnderTheLock) {
     EXPECT_EQ(view.Kinds(), "prepare|summary|entries|");
     EXPECT_EQ(view.summary,
               "5010 bytes in 2 files\nrequire 12288 bytes on disk\n1036288 bytes free");
-    EXPECT_EQ(info.fileCount, 2u);
-    EXPECT_EQ(info.bytesInFiles, 5010u);
-    EXPECT_EQ(info.bytesOnDevice, 12288u);
-    EXPECT_EQ(uint64_t(info.freeFactorA) * info.freeFactorB, 1036288u);
-    ASSERT_EQ(view.entries.size(), 2u);
-    EXPECT_EQ(view.entries[0].fileId, 1);
-    EXPECT_EQ(view.entries[1].fileId, 3);
-    EXPECT_EQ(view.entries[1].fileType, 7);
-    EXPECT_EQ(view.entries[1].fileSize, 5000u);
+    EXPECT_EQ(TestDirInfo(info), "253 4096 2 5010 12288");
+    EXPECT_EQ(TestEntries(view.entries), "1:2:10 3:7:5000 ");
     EXPECT_EQ(view.Find("summary")->lockOwner, kOwner);
     ExpectUnlocked(&sim);
 }
@@ -133,13 +124,12 @@ TEST(FMDevice, DeleteAsksWithTheRightCountAndSkipsRowsWithoutANumber) {
     ondfm::DeleteFiles(&sim, kOwner, &view, {"2"});
     EXPECT_EQ(view.events[0].text, "Deleting 1 file from device, are you sure?");
     EXPECT_EQ(view.events[0].lockOwner, nullptr);  // asked before locking
-    EXPECT_FALSE(sim.GetStoredFile(2, nullptr));
+    EXPECT_EQ(TestEntries(view.entries), "1:1:1 3:1:1 4:1:1 ");
     // The refresh ran inside the delete's lock: nested.
     const CFMTestView::TEvent* summary = view.Find("summary");
     ASSERT_NE(summary, nullptr);
     EXPECT_EQ(summary->lockOwner, kOwner);
     EXPECT_EQ(summary->lockCount, 2u);
-    EXPECT_EQ(view.entries.size(), 3u);
     ExpectUnlocked(&sim);
 
     view.events.clear();
@@ -147,9 +137,7 @@ TEST(FMDevice, DeleteAsksWithTheRightCountAndSkipsRowsWithoutANumber) {
     ondfm::DeleteFiles(&sim, kOwner, &view, {"1", "File", "", "4"});
     EXPECT_EQ(view.events[0].text, "Deleting 4 files from device, are you sure?");
     EXPECT_EQ(sim.CallCount("DeleteDeviceFile"), 3u);  // two rows skipped silently
-    EXPECT_FALSE(sim.GetStoredFile(1, nullptr));
-    EXPECT_FALSE(sim.GetStoredFile(4, nullptr));
-    EXPECT_TRUE(sim.GetStoredFile(3, nullptr));
+    EXPECT_EQ(TestEntries(view.entries), "3:1:1 ");
     EXPECT_EQ(view.Kinds(), "ask-delete|prepare|summary|entries|");
     ExpectUnlocked(&sim);
 
@@ -177,9 +165,7 @@ TEST(FMDevice, TheFirstFailedDeleteEndsTheWalkAndKeepsEarlierDeletions) {
     EXPECT_EQ(view.Kinds(), "ask-delete|error|prepare|summary|entries|");
     EXPECT_EQ(view.events[1].text, "Could not delete file with ID 9: File not found on the device");
     EXPECT_EQ(view.events[1].lockOwner, kOwner);
-    EXPECT_FALSE(sim.GetStoredFile(1, nullptr));
-    EXPECT_TRUE(sim.GetStoredFile(3, nullptr));
-    EXPECT_EQ(view.entries.size(), 2u);
+    EXPECT_EQ(TestEntries(view.entries), "2:1:1 3:1:1 ");
     ExpectUnlocked(&sim);
 }
 
@@ -196,7 +182,7 @@ TEST(FMDevice, FormatYesNoCancel) {
     for (const auto& c : cases) {
         CSimDevice sim;
         Store(&sim, 1, 1, 9000);  // three blocks
-        ASSERT_EQ(sim.TransmitFileFromMemory("p", 1, 0, 0, SIMDEV_MODE_PROGRAM, nullptr, nullptr, 1, 1), 0);
+        ASSERT_EQ(TestStore(&sim, 0, 0, "p", SIMDEV_MODE_PROGRAM), 0);
         CFMTestView view(&sim);
         view.answers = {c.answer};
         ondfm::FormatDevice(&sim, kOwner, &view);

@@ -9,7 +9,7 @@
 
 #include "host/sim/SimDevice.h"
 #include "host/sim/SimDeviceFolder.h"
-#include "tests/unit/TestSupport.h"
+#include "tests/unit/SimTestSupport.h"
 
 namespace fs = std::filesystem;
 
@@ -24,12 +24,6 @@ protected:
         std::string all;
         for (const std::string& n : names) all += n + " ";
         return all;
-    }
-    std::string Stored(CSimDevice* sim, uint8_t id, uint8_t* type = nullptr) {
-        CSimDevice::TStoredFile f;
-        if (!sim->GetStoredFile(id, &f)) return "<none>";
-        if (type) *type = f.fileType;
-        return f.data;
     }
 };
 
@@ -85,20 +79,16 @@ TEST_F(SimFolder, LoadsFilesAndTheProgramAndSavesThemBack) {
     CSimDevice sim;
     std::string error;
     ASSERT_TRUE(LoadSimFolder(&sim, Native().string(), &error)) << error;
-    uint8_t type = 0;
-    EXPECT_EQ(Stored(&sim, 3, &type), "hello");
-    EXPECT_EQ(type, 1);
-    EXPECT_EQ(Stored(&sim, 12, &type), std::string(5000, 'c'));
-    EXPECT_EQ(type, 7);
-    EXPECT_EQ(Stored(&sim, 0), "");
+    ASSERT_EQ(sim.ReadDirectory(), 0);
+    EXPECT_EQ(TestEntries(sim), "0:0:0 3:1:5 12:7:5000 ");
+    EXPECT_EQ(TestStored(&sim, 3), "hello");
+    EXPECT_EQ(TestStored(&sim, 12), std::string(5000, 'c'));
     EXPECT_TRUE(sim.HasProgram());
     EXPECT_EQ(sim.ProgramImage(), "image");
     EXPECT_EQ(sim.FreeBlocks(), 256u - 1 - 2 - 1);
 
     // A bit-reversed file is saved as the device holds it and loads back the same.
-    ASSERT_EQ(sim.TransmitFileFromMemory("\x01", 1, 9, 2, SIMDEV_MODE_BITREVERSE, nullptr, nullptr,
-                                         1, 1),
-              0);
+    ASSERT_EQ(TestStore(&sim, 9, 2, "\x01", SIMDEV_MODE_BITREVERSE), 0);
     ASSERT_EQ(sim.DeleteDeviceFile(3), 0);
     fs::path out = Native("out");
     ASSERT_TRUE(SaveSimFolder(&sim, out.string(), &error)) << error;
@@ -106,8 +96,8 @@ TEST_F(SimFolder, LoadsFilesAndTheProgramAndSavesThemBack) {
     EXPECT_EQ(Read("out\\009-2.bin"), "\x80");
     CSimDevice again;
     ASSERT_TRUE(LoadSimFolder(&again, out.string(), &error)) << error;
-    EXPECT_EQ(Stored(&again, 9), "\x80");
-    EXPECT_EQ(Stored(&again, 12), std::string(5000, 'c'));
+    EXPECT_EQ(TestStored(&again, 9), "\x80");
+    EXPECT_EQ(TestStored(&again, 12), std::string(5000, 'c'));
     EXPECT_EQ(again.ProgramImage(), "image");
 }
 
@@ -116,7 +106,7 @@ TEST_F(SimFolder, ASaveReplacesWhatTheRuleNamesAndKeepsOtherFiles) {
     Write("program.bin", "old image");
     Write("notes.txt", "mine");
     CSimDevice sim;
-    ASSERT_EQ(sim.TransmitFileFromMemory("four", 4, 4, 1, 0, nullptr, nullptr, 1, 1), 0);
+    ASSERT_EQ(TestStore(&sim, 4, 1, "four"), 0);
     std::string error;
     ASSERT_TRUE(SaveSimFolder(&sim, Native().string(), &error)) << error;
     EXPECT_EQ(Names(Native()), "004-1.bin notes.txt ");
@@ -125,7 +115,7 @@ TEST_F(SimFolder, ASaveReplacesWhatTheRuleNamesAndKeepsOtherFiles) {
     // A save that fails on the way (a folder where a file must go) leaves
     // the earlier save's files.
     fs::create_directories(Native("005-1.bin"));
-    ASSERT_EQ(sim.TransmitFileFromMemory("five", 4, 5, 1, 0, nullptr, nullptr, 1, 1), 0);
+    ASSERT_EQ(TestStore(&sim, 5, 1, "five"), 0);
     ASSERT_EQ(sim.DeleteDeviceFile(4), 0);
     EXPECT_FALSE(SaveSimFolder(&sim, Native().string(), &error));
     EXPECT_NE(error.find("cannot write"), std::string::npos) << error;
@@ -135,7 +125,7 @@ TEST_F(SimFolder, ASaveReplacesWhatTheRuleNamesAndKeepsOtherFiles) {
     // The program saved over a name in other case: on Windows the same file,
     // which must not be removed as an earlier save's.
     Write("PROGRAM.BIN", "old image");
-    ASSERT_EQ(sim.TransmitFileFromMemory("image", 5, 0, 0, SIMDEV_MODE_PROGRAM, nullptr, nullptr, 1, 1), 0);
+    ASSERT_EQ(TestStore(&sim, 0, 0, "image", SIMDEV_MODE_PROGRAM), 0);
     ASSERT_TRUE(sim.HasProgram());
     ASSERT_TRUE(SaveSimFolder(&sim, Native().string(), &error)) << error;
     EXPECT_EQ(Read("program.bin"), "image");

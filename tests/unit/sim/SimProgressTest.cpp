@@ -7,7 +7,7 @@
 
 #include "host/sim/SimDevice.h"
 #include "os/Platform.h"
-#include "tests/unit/TestSupport.h"
+#include "tests/unit/SimTestSupport.h"
 
 namespace {
 
@@ -62,16 +62,15 @@ TEST(SimProgress, CallbackMayUseTheChannel) {
 
 TEST(SimProgress, AbortStopsAtOnceAndStoresNothing) {
     CSimDevice dev;
-    ASSERT_EQ(dev.TransmitFileFromMemory("old", 3, 1, 4, 0, nullptr, nullptr, 1, 40), 0);
+    ASSERT_EQ(TestStore(&dev, 1, 4, "old"), 0);
     uint32_t free = dev.FreeBlocks();
     TRecorder rec;
     rec.abortAt = 5;
     EXPECT_EQ(Send(dev, 1, std::string(10000, 'n'), &rec, 40), SIMDEV_ERR_ABORTED);
     EXPECT_EQ(rec.steps, TestUpto(5));
-    CSimDevice::TStoredFile kept;
-    ASSERT_TRUE(dev.GetStoredFile(1, &kept));
-    EXPECT_EQ(kept.data, "old");
-    EXPECT_EQ(kept.fileType, 4);
+    ASSERT_EQ(dev.ReadDirectory(), 0);
+    EXPECT_EQ(TestEntries(dev), "1:4:3 ");
+    EXPECT_EQ(TestStored(&dev, 1), "old");
     EXPECT_EQ(dev.FreeBlocks(), free);
 
     TRecorder first;

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "host/sim/SimDevice.h"
-#include "tests/unit/TestSupport.h"
+#include "tests/unit/SimTestSupport.h"
 
 namespace {
 
@@ -22,28 +22,20 @@ protected:
         return c;
     }
     int32_t Put(uint8_t id, const std::string& bytes, uint32_t mode = 0, uint8_t type = 0) {
-        return dev.TransmitFileFromMemory(bytes.data(), bytes.size(), id, type, mode, nullptr,
-                                          nullptr, ONDCOMM_TRANSFER_FLAG, ONDCOMM_STEPS_SCRIPT);
+        return TestStore(&dev, id, type, bytes, mode);
     }
-    std::string Stored(uint8_t id) {
-        CSimDevice::TStoredFile f;
-        return dev.GetStoredFile(id, &f) ? f.data : std::string("<none>");
-    }
-    std::vector<TDEVDIRENTRY> Listing() {
-        std::vector<TDEVDIRENTRY> list;
+    std::string Stored(uint8_t id) { return TestStored(&dev, id); }
+    // The directory as "id:type:size" words, read afresh.
+    std::string Listing() {
         EXPECT_EQ(dev.ReadDirectory(), 0);
-        for (uint32_t i = 0; i < dev.GetDirectoryEntryCount(); ++i) {
-            TDEVDIRENTRY e;
-            dev.GetDirectoryEntry(i, &e);
-            list.push_back(e);
-        }
-        return list;
+        return TestEntries(dev);
     }
-    TDEVDIRINFO Info() {
-        TDEVDIRINFO info;
+    // The directory summary as "freeA freeB files bytes onDevice".
+    std::string Info() {
+        TDEVDIRINFO i;
         EXPECT_EQ(dev.ReadDirectory(), 0);
-        dev.GetDirectoryInfo(&info);
-        return info;
+        dev.GetDirectoryInfo(&i);
+        return TestDirInfo(i);
     }
     CSimDevice dev;
 };
@@ -55,33 +47,16 @@ TEST_F(SimStorage, DirectoryInfoArithmetic) {
     ASSERT_EQ(Put(6, std::string(32, 'b')), 0);        // exactly 2 blocks
     ASSERT_EQ(Put(7, std::string(33, 'c')), 0);        // 3 blocks
     ASSERT_EQ(Put(8, ""), 0);                          // an empty file still takes 1
-    TDEVDIRINFO info = Info();
-    EXPECT_EQ(info.freeFactorA, 0u);
-    EXPECT_EQ(info.freeFactorB, 16u);
-    EXPECT_EQ(info.fileCount, 4u);
-    EXPECT_EQ(info.bytesInFiles, 85u);
-    EXPECT_EQ(info.bytesOnDevice, 8u * 16);
+    EXPECT_EQ(Info(), "0 16 4 85 128");
     ASSERT_EQ(dev.DeleteDeviceFile(7), 0);
-    info = Info();
-    EXPECT_EQ(uint64_t(info.freeFactorA) * info.freeFactorB, 3u * 16);
-    EXPECT_EQ(info.fileCount, 3u);
-    EXPECT_EQ(info.bytesInFiles, 52u);
-    EXPECT_EQ(info.bytesOnDevice, 5u * 16);
+    EXPECT_EQ(Info(), "3 16 3 52 80");
 }
 
 TEST_F(SimStorage, DirectoryIsOrderedByIdAndASnapshot) {
     ASSERT_EQ(Put(200, "zz", 0, 3), 0);
     ASSERT_EQ(Put(9, "nine", 0, 1), 0);
     ASSERT_EQ(Put(3, "x", 0, 2), 0);
-    std::vector<TDEVDIRENTRY> list = Listing();
-    ASSERT_EQ(list.size(), 3u);
-    EXPECT_EQ(list[0].fileId, 3);
-    EXPECT_EQ(list[0].fileType, 2);
-    EXPECT_EQ(list[0].fileSize, 1u);
-    EXPECT_EQ(list[1].fileId, 9);
-    EXPECT_EQ(list[1].fileSize, 4u);
-    EXPECT_EQ(list[2].fileId, 200);
-    EXPECT_EQ(list[2].fileType, 3);
+    EXPECT_EQ(Listing(), "3:2:1 9:1:4 200:3:2 ");
     // Changes after ReadDirectory do not show until the next one.
     ASSERT_EQ(dev.DeleteDeviceFile(9), 0);
     EXPECT_EQ(dev.GetDirectoryEntryCount(), 3u);
@@ -89,10 +64,8 @@ TEST_F(SimStorage, DirectoryIsOrderedByIdAndASnapshot) {
     beyond.fileId = beyond.fileType = 0xEE;
     beyond.fileSize = 12345;
     dev.GetDirectoryEntry(3, &beyond);
-    EXPECT_EQ(beyond.fileId, 0);
-    EXPECT_EQ(beyond.fileType, 0);
-    EXPECT_EQ(beyond.fileSize, 0u);
-    EXPECT_EQ(Listing().size(), 2u);
+    EXPECT_EQ(TestEntries({beyond}), "0:0:0 ");
+    EXPECT_EQ(Listing(), "3:2:1 200:3:2 ");
 }
 
 TEST_F(SimStorage, FullStorageFailsBeforeStoringAndTheLimitItselfFits) {
@@ -109,10 +82,7 @@ TEST_F(SimStorage, ReplacingAnIdFreesItsBlocksFirst) {
     ASSERT_EQ(Put(1, std::string(8 * 16, 'a'), 0, 4), 0);  // the whole device
     ASSERT_EQ(Put(1, std::string(8 * 16, 'b'), 0, 5), 0);  // fits only by replacing
     ASSERT_EQ(Put(1, "short", 0, 6), 0);
-    std::vector<TDEVDIRENTRY> list = Listing();
-    ASSERT_EQ(list.size(), 1u);
-    EXPECT_EQ(list[0].fileType, 6);
-    EXPECT_EQ(list[0].fileSize, 5u);
+    EXPECT_EQ(Listing(), "1:6:5 ");
     EXPECT_EQ(dev.FreeBlocks(), 7u);
     EXPECT_EQ(Stored(1), "short");
 }
@@ -129,23 +99,15 @@ TEST_F(SimStorage, BitReverseModeStoresEveryByteMirrored) {
     std::string all(256, '\0');
     for (int i = 0; i < 256; ++i) all[i] = static_cast<char>(i);
     CSimDevice big;
-    ASSERT_EQ(big.TransmitFileFromMemory(all.data(), all.size(), 1, 0, SIMDEV_MODE_BITREVERSE,
-                                         nullptr, nullptr, 1, 100), 0);
-    CSimDevice::TStoredFile once;
-    ASSERT_TRUE(big.GetStoredFile(1, &once));
-    ASSERT_EQ(once.data.size(), 256u);
-    EXPECT_EQ(uint8_t(once.data[0x01]), 0x80);
-    EXPECT_EQ(uint8_t(once.data[0x80]), 0x01);
-    EXPECT_EQ(uint8_t(once.data[0x12]), 0x48);
-    EXPECT_EQ(uint8_t(once.data[0xF0]), 0x0F);
-    EXPECT_EQ(uint8_t(once.data[0xA5]), 0xA5);
-    EXPECT_EQ(uint8_t(once.data[0x00]), 0x00);
+    ASSERT_EQ(TestStore(&big, 1, 0, all, SIMDEV_MODE_BITREVERSE), 0);
+    const std::string once = TestStored(&big, 1);
+    ASSERT_EQ(once.size(), 256u);
+    EXPECT_EQ(once.substr(0, 2) + once.substr(0x12, 1) + once.substr(0x80, 1) + once.substr(0xA5, 1) +
+                  once.substr(0xF0, 1),
+              std::string("\x00\x80\x48\x01\xA5\x0F", 6));
     // Mirroring twice gives the original back.
-    ASSERT_EQ(big.TransmitFileFromMemory(once.data.data(), once.data.size(), 2, 0,
-                                         SIMDEV_MODE_BITREVERSE, nullptr, nullptr, 1, 100), 0);
-    CSimDevice::TStoredFile twice;
-    ASSERT_TRUE(big.GetStoredFile(2, &twice));
-    EXPECT_EQ(twice.data, all);
+    ASSERT_EQ(TestStore(&big, 2, 0, once, SIMDEV_MODE_BITREVERSE), 0);
+    EXPECT_EQ(TestStored(&big, 2), all);
 }
 
 TEST_F(SimStorage, ProgramModeFillsTheProgramSlotNotTheDirectory) {
@@ -154,7 +116,7 @@ TEST_F(SimStorage, ProgramModeFillsTheProgramSlotNotTheDirectory) {
     EXPECT_TRUE(dev.HasProgram());
     EXPECT_EQ(dev.ProgramImage(), "program image");
     EXPECT_EQ(Stored(1), "file");
-    EXPECT_EQ(Listing().size(), 1u);
+    EXPECT_EQ(Listing(), "1:0:4 ");
     EXPECT_EQ(dev.FreeBlocks(), 7u);
     // The slot holds at most as much as the storage.
     EXPECT_EQ(Put(2, std::string(8 * 16, 'p'), SIMDEV_MODE_PROGRAM), 0);
@@ -167,7 +129,7 @@ TEST_F(SimStorage, UnknownModesStoreBytesUnchanged) {
     ASSERT_EQ(Put(4, "\x01\x02", 7, 9), 0);
     EXPECT_EQ(Stored(4), "\x01\x02");
     EXPECT_FALSE(dev.HasProgram());
-    EXPECT_EQ(Listing().size(), 1u);
+    EXPECT_EQ(Listing(), "4:9:2 ");
 }
 
 TEST_F(SimStorage, DeleteFreesBlocksButLeavesTheirMarks) {
@@ -195,7 +157,7 @@ TEST_F(SimStorage, QuickFormatErasesMarkedBlocksAndKeepsTheProgram) {
     EXPECT_EQ(dev.BlockErases(), 5u);  // the live file's blocks and the deleted one's
     EXPECT_EQ(dev.MarkedBlocks(), 0u);
     EXPECT_EQ(dev.FreeBlocks(), 8u);
-    EXPECT_TRUE(Listing().empty());
+    EXPECT_EQ(Listing(), "");
     EXPECT_EQ(dev.ProgramImage(), "boot");
     // Nothing is marked now, so a second quick format erases nothing.
     ASSERT_EQ(dev.FormatDevice(1), 0);
@@ -210,10 +172,7 @@ TEST_F(SimStorage, FullFormatErasesEveryBlockAndTheProgram) {
     EXPECT_EQ(dev.MarkedBlocks(), 0u);
     EXPECT_FALSE(dev.HasProgram());
     EXPECT_EQ(dev.ProgramImage(), "");
-    TDEVDIRINFO info = Info();
-    EXPECT_EQ(info.fileCount, 0u);
-    EXPECT_EQ(info.freeFactorA, 8u);
-    EXPECT_EQ(info.bytesOnDevice, 0u);
+    EXPECT_EQ(Info(), "8 16 0 0 0");
 }
 
 TEST_F(SimStorage, TransmitFileReadsTheLocalFile) {
@@ -225,10 +184,9 @@ TEST_F(SimStorage, TransmitFileReadsTheLocalFile) {
     EXPECT_EQ(Stored(12), content);
     CSimDevice::TTransfer last = dev.LastTransfer();
     EXPECT_EQ(last.localPath, path);
-    EXPECT_EQ(last.fileId, 12);
-    EXPECT_EQ(last.fileType, 3);
-    EXPECT_EQ(last.flag, 1u);
-    EXPECT_EQ(last.steps, 100u);
+    EXPECT_EQ(std::to_string(last.fileId) + " " + std::to_string(last.fileType) + " " +
+                  std::to_string(last.flag) + " " + std::to_string(last.steps),
+              "12 3 1 100");
     EXPECT_EQ(dev.TransmitFile(path.c_str(), 13, 0, 0, nullptr, nullptr, 1, 100),
               SIMDEV_ERR_LOCALFILE);  // gone now
     EXPECT_FALSE(dev.GetStoredFile(13, nullptr));
