@@ -13,6 +13,7 @@
 #include "host/device/HostDevice.h"
 #include "host/sim/SimDevice.h"
 #include "util/PathUtil.h"
+#include "tests/unit/TestSupport.h"
 
 namespace {
 
@@ -180,13 +181,10 @@ TEST(DcsfmFiles, RowsAreTheWindowsDefaultsWithTheGivenProperties) {
 
 TEST(HostDeviceSim, FolderFaultsAndDelayFromTheOptions) {
     namespace fs = std::filesystem;
-    fs::path dir = fs::temp_directory_path() / ("dcsfm_hostdevice_" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()));
-    fs::remove_all(dir);
+    CTestScratch scratch;
+    const fs::path dir = scratch.Native();
     fs::create_directories(dir / "in");
-    FILE* f = std::fopen((dir / "in" / "4-2.bin").string().c_str(), "wb");
-    ASSERT_NE(f, nullptr);
-    std::fputs("four", f);
-    std::fclose(f);
+    ASSERT_TRUE(scratch.Write("in\\4-2.bin", "four"));
 
     THOSTDEVICEOPTIONS options;
     std::string error;
@@ -213,6 +211,4 @@ TEST(HostDeviceSim, FolderFaultsAndDelayFromTheOptions) {
     ASSERT_TRUE(device.SaveSimFiles(&error)) << error;
     EXPECT_TRUE(fs::exists(dir / "out" / "004-2.bin"));
     EXPECT_FALSE(fs::exists(dir / "out" / "005-1.bin"));
-
-    fs::remove_all(dir);
 }

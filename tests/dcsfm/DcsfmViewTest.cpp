@@ -13,6 +13,7 @@
 #include "host/dcsfm/DcsfmProgress.h"
 #include "host/dcsfm/DcsfmView.h"
 #include "host/sim/SimDevice.h"
+#include "tests/unit/TestSupport.h"
 
 namespace fs = std::filesystem;
 
@@ -50,25 +51,17 @@ private:
 };
 
 // Local files to copy, in a folder of their own.
-class DcsfmCopy : public ::testing::Test {
+class DcsfmCopy : public ScratchTest {
 protected:
     DcsfmCopy() {
-        dir = fs::temp_directory_path() / ("dcsfm_copy_" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()));
-        fs::create_directories(dir);
         for (int i = 1; i <= 3; ++i) {
             TFILEENTRY entry;
-            entry.path = (dir / ("f" + std::to_string(i) + ".bin")).string();
+            entry.path = Native("f" + std::to_string(i) + ".bin").string();
             entry.fileId = uint8_t(i);
             entry.fileType = 1;
-            FILE* f = std::fopen(entry.path.c_str(), "wb");
-            std::fputs("data", f);
-            std::fclose(f);
+            Write("f" + std::to_string(i) + ".bin", "data");
             files.push_back(entry);
         }
-    }
-    ~DcsfmCopy() override {
-        std::error_code ec;
-        fs::remove_all(dir, ec);
     }
     TDCSFMVIEWSETUP Setup(CStream* messages, CStream* progress) {
         TDCSFMVIEWSETUP setup;
@@ -78,7 +71,6 @@ protected:
         setup.stop = &stop;
         return setup;
     }
-    fs::path dir;
     TFILEENTRYLIST files;
     CSimDevice sim;
     TDCSFMSTOP stop;

@@ -52,7 +52,6 @@ std::thread StopAfter(CONXScriptRunContext* context, uint32_t ms) {
 
 TEST(ScriptEngine, StopRequestEndsALoop) {
     CONXScriptRunContext context;
-    context.m_sysFuncFactories.push_back(ScriptRuntimeFactory);
     std::thread stopper = StopAfter(&context, 50);
     TTESTRUN r = TestRun("while (1) { }", &context);
     stopper.join();
@@ -68,7 +67,6 @@ TEST(ScriptEngine, StopRequestEndsALoopInsideAFunctionOfNumbers) {
     // the diagnostic points into the loop as an ordinary run would: at the
     // "while" (offset 24, where its read begins) or after "n += 1".
     CONXScriptRunContext context;
-    context.m_sysFuncFactories.push_back(ScriptRuntimeFactory);
     std::thread stopper = StopAfter(&context, 50);
     TTESTRUN r = TestRun(
         "func spin(var int32 n) {\n  while (1) {\n    n += 1;\n  }\n  spin = n;\n}\nvar int32 x;\nx = "
