@@ -40,3 +40,10 @@ inline std::string TestDirInfo(const TDEVDIRINFO& i) {
     return std::to_string(i.freeFactorA) + " " + std::to_string(i.freeFactorB) + " " + std::to_string(i.fileCount) +
            " " + std::to_string(i.bytesInFiles) + " " + std::to_string(i.bytesOnDevice);
 }
+
+// The last transfer as "path id type mode flag steps".
+inline std::string TestTransfer(CSimDevice* sim) {
+    CSimDevice::TTransfer t = sim->LastTransfer();
+    return t.localPath + " " + std::to_string(t.fileId) + " " + std::to_string(t.fileType) + " " +
+           std::to_string(t.fileMode) + " " + std::to_string(t.flag) + " " + std::to_string(t.steps);
+}

@@ -6,11 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "host/sim/SimDevice.h"
 #include "script/ScriptValue.h"
 #include "scriptrt/OperatorPrompt.h"
 #include "scriptrt/UserInputFuncs.h"
-#include "tests/unit/TestSupport.h"
+#include "tests/unit/SimTestSupport.h"
 
 // One run; `device` may be null (no channel). externals are visible to the
 // script and keep what it leaves in them.

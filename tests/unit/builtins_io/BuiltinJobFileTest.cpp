@@ -29,15 +29,11 @@ TEST_F(BuiltinExecuteJobFile, TransfersEveryEntryInOrder) {
     TTESTRUN run = Run("print(executejobfile(\"jobs.dcj\"), \"|\");");
     ASSERT_EQ(run.code, 0u) << run.output;
     EXPECT_EQ(run.output, Ok("a.bin") + Ok("b.bin") + Ok("c.bin") + "0|");
-    CSimDevice::TStoredFile file;
-    ASSERT_TRUE(m_device.GetStoredFile(1, &file));
-    EXPECT_EQ(file.data, "AAAA");
-    EXPECT_EQ(file.fileType, 10);
-    EXPECT_EQ(m_device.ProgramImage(), "BB");
-    ASSERT_TRUE(m_device.GetStoredFile(3, &file));
-    EXPECT_EQ(file.data, "\xC2");  // 'C' bit-reversed
-    EXPECT_EQ(m_device.LastTransfer().localPath, m_folder.Dir() + "\\c.bin");
-    EXPECT_EQ(m_device.LastTransfer().steps, 40u);
+    ASSERT_EQ(m_device.ReadDirectory(), 0);
+    EXPECT_EQ(TestEntries(m_device), "1:10:4 3:30:1 ");
+    // 'C' bit-reversed; b.bin in the program slot.
+    EXPECT_EQ(TestStored(&m_device, 1) + "|" + m_device.ProgramImage() + "|" + TestStored(&m_device, 3), "AAAA|BB|\xC2");
+    EXPECT_EQ(TestTransfer(&m_device), m_folder.Dir() + "\\c.bin 3 30 1 1 40");
 }
 
 TEST_F(BuiltinExecuteJobFile, ContinueAfterErrorTriesEveryEntryAndGivesTheFirstCode) {

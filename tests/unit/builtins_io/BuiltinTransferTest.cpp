@@ -17,16 +17,8 @@ TEST(BuiltinTransmitFile, TransfersWithProgressAndResult) {
                                      &device, folder.Dir());
     ASSERT_EQ(run.code, 0u) << run.output;
     EXPECT_EQ(run.output, BuiltinIoProgress("image.rbf", false) + " -> OK\n0|");
-    CSimDevice::TTransfer last = device.LastTransfer();
-    EXPECT_EQ(last.localPath, folder.Dir() + "\\image.rbf");
-    EXPECT_EQ(last.fileId, 44);     // 300 cut to 8 bits
-    EXPECT_EQ(last.fileType, 0xFF);
-    EXPECT_EQ(last.fileMode, 1u);
-    EXPECT_EQ(last.flag, 1u);
-    EXPECT_EQ(last.steps, 40u);
-    CSimDevice::TStoredFile stored;
-    ASSERT_TRUE(device.GetStoredFile(44, &stored));
-    EXPECT_EQ(stored.data, "\x80\x40\x01");  // bit-reversed by mode 1
+    EXPECT_EQ(TestTransfer(&device), folder.Dir() + "\\image.rbf 44 255 1 1 40");  // 300 cut to 8 bits
+    EXPECT_EQ(TestStored(&device, 44), "\x80\x40\x01");  // bit-reversed by mode 1
 }
 
 TEST(BuiltinTransmitFile, AFullPathStandsAndTheLineShowsItsName) {

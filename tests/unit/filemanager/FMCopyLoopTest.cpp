@@ -13,7 +13,7 @@
 #include "host/serial/SerialChannel.h"
 #include "host/sim/SimDevice.h"
 #include "os/Platform.h"
-#include "tests/unit/TestSupport.h"
+#include "tests/unit/SimTestSupport.h"
 
 namespace {
 
@@ -79,17 +79,10 @@ TEST_F(FMCopyLoop, EveryFileWithItsPropertiesAndTheProgressBeforeEach) {
     EXPECT_EQ(sink.started[2], std::make_pair(66u, size_t(2)));
     for (const auto& steps : sink.stepsOfFile) EXPECT_EQ(steps, TestUpto(100));
     EXPECT_EQ(sink.ended, 1);
-    CSimDevice::TStoredFile stored;
-    ASSERT_TRUE(sim.GetStoredFile(11, &stored));
-    EXPECT_EQ(stored.fileType, 1);
-    EXPECT_EQ(stored.data, "bb");
-    CSimDevice::TTransfer last = sim.LastTransfer();
-    EXPECT_EQ(last.localPath, files[2].path);
-    EXPECT_EQ(last.fileId, 12);
-    EXPECT_EQ(last.fileType, 2);
-    EXPECT_EQ(last.fileMode, FILEMODE_BITREVERSE);
-    EXPECT_EQ(last.flag, 1u);
-    EXPECT_EQ(last.steps, 100u);
+    ASSERT_EQ(sim.ReadDirectory(), 0);
+    EXPECT_EQ(TestEntries(sim), "10:0:1 11:1:2 12:2:3 ");
+    EXPECT_EQ(TestStored(&sim, 11), "bb");
+    EXPECT_EQ(TestTransfer(&sim), files[2].path + " 12 2 1 1 100");  // mode 1: bit reverse
 }
 
 TEST_F(FMCopyLoop, NothingToCopyEndsAtOnce) {

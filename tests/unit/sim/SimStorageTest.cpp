@@ -182,11 +182,7 @@ TEST_F(SimStorage, TransmitFileReadsTheLocalFile) {
     ASSERT_EQ(dev.TransmitFile(path.c_str(), 12, 3, 0, nullptr, nullptr, 1, 100), 0);
     std::filesystem::remove(path);
     EXPECT_EQ(Stored(12), content);
-    CSimDevice::TTransfer last = dev.LastTransfer();
-    EXPECT_EQ(last.localPath, path);
-    EXPECT_EQ(std::to_string(last.fileId) + " " + std::to_string(last.fileType) + " " +
-                  std::to_string(last.flag) + " " + std::to_string(last.steps),
-              "12 3 1 100");
+    EXPECT_EQ(TestTransfer(&dev), path + " 12 3 0 1 100");
     EXPECT_EQ(dev.TransmitFile(path.c_str(), 13, 0, 0, nullptr, nullptr, 1, 100),
               SIMDEV_ERR_LOCALFILE);  // gone now
     EXPECT_FALSE(dev.GetStoredFile(13, nullptr));
