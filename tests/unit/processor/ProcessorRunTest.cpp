@@ -56,21 +56,19 @@ TEST_F(ProcessorRun, ErrorClassBitsDecide) {
 }
 
 TEST_F(ProcessorRun, FileArgumentsAndChannelChecks) {
-    EXPECT_EQ(processor.ExecuteScriptFile("", TestCollect, &output), EONX_ERR_EMPTYPATH);
-    EXPECT_EQ(processor.ExecuteScriptFile(nullptr, TestCollect, &output), EONX_ERR_EMPTYPATH);
+    EXPECT_EQ(RunFile(""), EONX_ERR_EMPTYPATH);
+    EXPECT_EQ(RunFile(nullptr), EONX_ERR_EMPTYPATH);
     EXPECT_EQ(device.CallCount("Lock"), 0u);  // an empty path never reaches the channel
 
     std::string missing = scratch.Native("missing.dcs").string();
-    EXPECT_EQ(processor.ExecuteScriptFile(missing.c_str(), TestCollect, &output),
-              EONX_ERR_FILEOPEN);
+    EXPECT_EQ(RunFile(missing), EONX_ERR_FILEOPEN);
     EXPECT_EQ(device.CallCount("Lock"), 1u);
     EXPECT_EQ(device.CallCount("Unlock"), 1u);
     EXPECT_EQ(device.LockOwner(), nullptr);
 
     // A full name beyond 260 characters cannot be resolved.
     std::string tooLong = scratch.Native(std::string(270, 'a') + ".dcs").string();
-    EXPECT_EQ(processor.ExecuteScriptFile(tooLong.c_str(), TestCollect, &output),
-              EONX_ERR_FILEOPEN);
+    EXPECT_EQ(RunFile(tooLong), EONX_ERR_FILEOPEN);
     EXPECT_EQ(device.LockCount(), 0u);
 
     CONXScriptProcessor unconnected;
@@ -84,10 +82,10 @@ TEST_F(ProcessorRun, FileArgumentsAndChannelChecks) {
 
 TEST_F(ProcessorRun, FileBytesRunAsTheyAreWithBaseDirectory) {
     std::string empty = ProcessorWrite(scratch, "empty.dcs", "");
-    EXPECT_EQ(processor.ExecuteScriptFile(empty.c_str(), TestCollect, &output), EONX_ERR_NONE);
+    EXPECT_EQ(RunFile(empty), EONX_ERR_NONE);
     EXPECT_EQ(output, "");
     std::string path = ProcessorWrite(scratch, "crlf.dcs", "print(\"x\");\r\nprint(\"y\\n\");\r\n");
-    EXPECT_EQ(processor.ExecuteScriptFile(path.c_str(), TestCollect, &output), EONX_ERR_NONE);
+    EXPECT_EQ(RunFile(path), EONX_ERR_NONE);
     EXPECT_EQ(output, "xy\n");
     std::string expected;
     ASSERT_TRUE(OsFullPathName(scratch.Native().string().c_str(), &expected));
@@ -123,7 +121,7 @@ TEST_F(ProcessorRun, AnotherOwnerHoldingTheChannelFailsTheRunAfterTheWait) {
     ASSERT_EQ(device.Lock(&other, 0), 0);
     std::string path = ProcessorWrite(scratch, "a.dcs", "print(\"never\");");
     uint64_t start = OsTickCount();
-    EXPECT_EQ(processor.ExecuteScriptFile(path.c_str(), TestCollect, &output), EONX_ERR_LOCKED);
+    EXPECT_EQ(RunFile(path), EONX_ERR_LOCKED);
     EXPECT_GE(OsTickCount() - start, 450u);  // it waited for the owner, not just tried once
     EXPECT_EQ(Run("print(\"never\");"), EONX_ERR_LOCKED);
     EXPECT_EQ(output, "");
@@ -169,8 +167,7 @@ TEST_F(ProcessorRun, OutOfMemoryInsideTheObjectBecomesACode) {
     processor.Connect(&throwing);
     EXPECT_EQ(Run("print(1);"), EONX_ERR_OUTOFMEMORY);
     std::string path = ProcessorWrite(scratch, "a.dcs", "print(1);");
-    EXPECT_EQ(processor.ExecuteScriptFile(path.c_str(), TestCollect, &output),
-              EONX_ERR_OUTOFMEMORY);
+    EXPECT_EQ(RunFile(path), EONX_ERR_OUTOFMEMORY);
 }
 
 #ifndef _WIN32
@@ -187,8 +184,7 @@ TEST_F(ProcessorRun, UnreadableFileLengthFailsWithReadError) {
             fclose(f);
         }
     });
-    EXPECT_EQ(processor.ExecuteScriptFile(fifo.c_str(), TestCollect, &output),
-              EONX_ERR_FILEREAD);
+    EXPECT_EQ(RunFile(fifo), EONX_ERR_FILEREAD);
     writer.join();
     EXPECT_EQ(device.LockCount(), 0u);
 }

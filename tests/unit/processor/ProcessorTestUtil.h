@@ -24,6 +24,11 @@ protected:
         output.clear();
         return processor.ExecuteScript(text.c_str(), nullptr, TestCollect, &output);
     }
+    EONX_ERR_ERRCODE_ RunFile(const char* path) {
+        output.clear();
+        return processor.ExecuteScriptFile(path, TestCollect, &output);
+    }
+    EONX_ERR_ERRCODE_ RunFile(const std::string& path) { return RunFile(path.c_str()); }
     CSimDevice device;
     CONXScriptProcessor processor;
     CTestScratch scratch;
