@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tests/pty/PtyTestUtil.h"
+#include "tests/unit/TestSupport.h"
 
 namespace fs = std::filesystem;
 
@@ -50,43 +51,18 @@ int RunPiped(const std::vector<std::string>& args, std::string* output) {
     return PtyWaitExit(pid, 5000);
 }
 
-// A folder with files for the device and files to send.
-class DcsfmPty : public ::testing::Test {
+// A folder with files for the device and files to send. Path(name) is a
+// path as dcsfm shows it, Arg(name) as it is given on the command line.
+class DcsfmPty : public ScratchTest {
 protected:
     DcsfmPty() {
-        dir = fs::temp_directory_path() / ("dcsfm_pty_" + std::to_string(getpid()));
-        fs::remove_all(dir);
-        fs::create_directories(dir / "dev");
-        Write("dev/3-1.bin", "three");
-        Write("dev/7-2.bin", "seven");
-        Write("dev/program.bin", "image");
+        fs::create_directories(Native("dev"));
+        Write("dev\\3-1.bin", "three");
+        Write("dev\\7-2.bin", "seven");
+        Write("dev\\program.bin", "image");
         for (const char* name : {"a.bin", "b.bin", "c.bin"}) Write(name, name);
     }
-    ~DcsfmPty() override { fs::remove_all(dir); }
-    void Write(const std::string& name, const std::string& bytes) {
-        FILE* f = fopen((dir / name).c_str(), "wb");
-        ASSERT_NE(f, nullptr);
-        fwrite(bytes.data(), 1, bytes.size(), f);
-        fclose(f);
-    }
-    std::string Path(const std::string& name) const { return (dir / name).string(); }
-    // The saved folder's file names, space-separated, in order.
-    std::string Saved(const std::string& folder) const {
-        std::vector<std::string> names;
-        for (const auto& e : fs::directory_iterator(dir / folder)) names.push_back(e.path().filename());
-        std::sort(names.begin(), names.end());
-        std::string all;
-        for (const std::string& n : names) all += n + " ";
-        return all;
-    }
-    // The path as dcsfm shows it.
-    std::string Shown(const std::string& name) const {
-        std::string path = "Z:" + Path(name);
-        for (char& c : path)
-            if (c == '/') c = '\\';
-        return path;
-    }
-    fs::path dir;
+    std::string Arg(const std::string& name) const { return Native(name).string(); }
 };
 
 }  // namespace
@@ -105,9 +81,9 @@ TEST_F(DcsfmPty, TheSerialChannelsClearErrors) {
         {{"ls"},
          "File ID  File type   File size\nCould not read device directory:\n"
          "The raw serial port cannot read the device directory\n"},
-        {{"put", Path("a.bin")},
-         "0 files of 1 copied so far...\nCurrently copying " + Shown("a.bin") + "\n" +
-             "Error during copying " + Shown("a.bin") +
+        {{"put", Arg("a.bin")},
+         "0 files of 1 copied so far...\nCurrently copying " + Path("a.bin") + "\n" +
+             "Error during copying " + Path("a.bin") +
              ": The raw serial port cannot transfer files: the device's file protocol is not "
              "available\n"},
         {{"rm", "--yes", "3", "4"},
@@ -146,7 +122,7 @@ TEST_F(DcsfmPty, QuestionsOnAConsole) {
          "no\r", 0, "program.bin "},
     };
     for (const auto& c : cases) {
-        std::vector<std::string> args = {"--sim-files", Path("dev"), "--sim-save", Path("out")};
+        std::vector<std::string> args = {"--sim-files", Arg("dev"), "--sim-save", Arg("out")};
         args.insert(args.end(), c.args.begin(), c.args.end());
         int console = -1;
         pid_t pid = StartOnConsole(args, &console);
@@ -157,7 +133,7 @@ TEST_F(DcsfmPty, QuestionsOnAConsole) {
         PtyReadFor(console, 5000);  // until dcsfm ends
         EXPECT_EQ(PtyWaitExit(pid, 5000), c.status) << c.args[0];
         close(console);
-        EXPECT_EQ(Saved("out"), c.saved) << c.args[0] << " " << c.answer;
+        EXPECT_EQ(Names("out"), c.saved) << c.args[0] << " " << c.answer;
     }
 }
 
@@ -166,8 +142,8 @@ TEST_F(DcsfmPty, QuestionsOnAConsole) {
 // starts; the bar was drawn in place before.
 TEST_F(DcsfmPty, CtrlCStopsACopyAsAbortDoes) {
     int console = -1;
-    pid_t pid = StartOnConsole({"--sim-delay", "10", "--sim-save", Path("out"), "put", "--id", "1",
-                                Path("a.bin"), "--id", "2", Path("b.bin"), "--id", "3", Path("c.bin")},
+    pid_t pid = StartOnConsole({"--sim-delay", "10", "--sim-save", Arg("out"), "put", "--id", "1",
+                                Arg("a.bin"), "--id", "2", Arg("b.bin"), "--id", "3", Arg("c.bin")},
                                &console);
     ASSERT_GT(pid, 0);
     std::string shown = PtyReadFor(console, 10000, "1 file of 3 copied so far... [");
@@ -177,18 +153,18 @@ TEST_F(DcsfmPty, CtrlCStopsACopyAsAbortDoes) {
     EXPECT_EQ(PtyWaitExit(pid, 5000), kAborted) << shown;
     close(console);
     EXPECT_NE(shown.find("\r0 files of 3 copied so far... [###"), std::string::npos) << shown;
-    EXPECT_NE(shown.find("Currently copying " + Shown("b.bin") + "\r\n"), std::string::npos) << shown;
+    EXPECT_NE(shown.find("Currently copying " + Path("b.bin") + "\r\n"), std::string::npos) << shown;
     EXPECT_EQ(shown.find("c.bin"), std::string::npos) << shown;
-    EXPECT_NE(shown.find("Error during copying " + Shown("b.bin") + ": Transfer aborted\r\n"),
+    EXPECT_NE(shown.find("Error during copying " + Path("b.bin") + ": Transfer aborted\r\n"),
               std::string::npos)
         << shown;
-    EXPECT_EQ(Saved("out"), "001-1.bin ");
+    EXPECT_EQ(Names("out"), "001-1.bin ");
 }
 
 // Outside a copy (a question waiting) an interrupt ends dcsfm at once.
 TEST_F(DcsfmPty, CtrlCAtAQuestion) {
     int console = -1;
-    pid_t pid = StartOnConsole({"--sim-files", Path("dev"), "rm", "3"}, &console);
+    pid_t pid = StartOnConsole({"--sim-files", Arg("dev"), "rm", "3"}, &console);
     ASSERT_GT(pid, 0);
     PtyReadFor(console, 5000, "[y/N] ");
     PtyWriteAll(console, "\x03");

@@ -2,6 +2,7 @@
 // runs with every built-in, and paths written into script literals.
 #pragma once
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <filesystem>
@@ -57,6 +58,15 @@ public:
         while ((n = fread(buffer, 1, sizeof buffer, f)) > 0) out.append(buffer, n);
         fclose(f);
         return out;
+    }
+    // The names in the folder (or its subfolder), sorted, each followed by a blank.
+    std::string Names(const std::string& folder = "") const {
+        std::vector<std::string> names;
+        for (auto& e : std::filesystem::directory_iterator(Native(folder))) names.push_back(e.path().filename().string());
+        std::sort(names.begin(), names.end());
+        std::string all;
+        for (const std::string& n : names) all += n + " ";
+        return all;
     }
     size_t FileCount() const {
         size_t n = 0;

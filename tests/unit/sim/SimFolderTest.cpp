@@ -3,7 +3,6 @@
 // stay) and the refusals.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <string>
 
@@ -15,17 +14,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-class SimFolder : public ScratchTest {
-protected:
-    std::string Names(const fs::path& folder) {
-        std::vector<std::string> names;
-        for (const auto& e : fs::directory_iterator(folder)) names.push_back(e.path().filename().string());
-        std::sort(names.begin(), names.end());
-        std::string all;
-        for (const std::string& n : names) all += n + " ";
-        return all;
-    }
-};
+using SimFolder = ScratchTest;
 
 }  // namespace
 
@@ -92,7 +81,7 @@ TEST_F(SimFolder, LoadsFilesAndTheProgramAndSavesThemBack) {
     ASSERT_EQ(sim.DeleteDeviceFile(3), 0);
     fs::path out = Native("out");
     ASSERT_TRUE(SaveSimFolder(&sim, out.string(), &error)) << error;
-    EXPECT_EQ(Names(out), "000-0.bin 009-2.bin 012-7.bin program.bin ");
+    EXPECT_EQ(Names("out"), "000-0.bin 009-2.bin 012-7.bin program.bin ");
     EXPECT_EQ(Read("out\\009-2.bin"), "\x80");
     CSimDevice again;
     ASSERT_TRUE(LoadSimFolder(&again, out.string(), &error)) << error;
@@ -109,7 +98,7 @@ TEST_F(SimFolder, ASaveReplacesWhatTheRuleNamesAndKeepsOtherFiles) {
     ASSERT_EQ(TestStore(&sim, 4, 1, "four"), 0);
     std::string error;
     ASSERT_TRUE(SaveSimFolder(&sim, Native().string(), &error)) << error;
-    EXPECT_EQ(Names(Native()), "004-1.bin notes.txt ");
+    EXPECT_EQ(Names(), "004-1.bin notes.txt ");
     EXPECT_EQ(Read("notes.txt"), "mine");
 
     // A save that fails on the way (a folder where a file must go) leaves
