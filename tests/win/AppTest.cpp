@@ -40,12 +40,8 @@ void TestApp() {
         // Unloading removes the hook. A copy of the DLL is a module of its
         // own: loading it hooks this thread, unloading must unhook it, or the
         // next message this thread retrieves calls into unmapped code.
-        char dll[MAX_PATH] = "", temp[MAX_PATH] = "";
-        GetModuleFileNameA(GetModuleHandleA("OndDeviceClient.dll"), dll, MAX_PATH);
-        GetTempPathA(MAX_PATH, temp);
-        std::string copy = std::string(temp) + "OndDeviceClientUnloadTest.dll";
-        CHECK(CopyFileA(dll, copy.c_str(), FALSE));
-        HMODULE module = LoadLibraryA(copy.c_str());
+        std::string copy;
+        HMODULE module = LoadModuleCopy("OndDeviceClientUnloadTest.dll", &copy);
         CHECK(module != nullptr);
         PostMessageA(TestHostWindow(), WM_KEYDOWN, 'B', 0x00300001);
         MSG msg;

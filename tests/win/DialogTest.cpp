@@ -5,8 +5,6 @@
 #include <cstring>
 
 #include "WinTest.h"
-#include "frame/DeviceClient.h"
-#include "frame/Dialog.h"
 #include "host/sim/SimDevice.h"
 #include "res/OndResource.h"
 
@@ -114,12 +112,8 @@ void SetRoutes(CTestClient* client, bool callback, bool window, bool thread) {
 void PressButton(HWND dialog, int id) { SendMessageA(GetDlgItem(dialog, id), BM_CLICK, 0, 0); }
 
 std::string ExpectedStatus(CSimDevice* sim, const char* state) {
-    std::string text = "Channel description: ";
-    text += sim->GetInfoString(0, 0);
-    text += "\nChannel configuration: ";
-    text += sim->GetInfoString(1, 0);
-    text += "\nState: ";
-    return text + state;
+    return std::string("Channel description: ") + sim->GetInfoString(0, 0) +
+           "\nChannel configuration: " + sim->GetInfoString(1, 0) + "\nState: " + state;
 }
 
 // Show, hide, re-show, lose the window, delete the client.
@@ -338,21 +332,6 @@ bool PatchImport(HMODULE module, const char* dll, const char* function, void* re
     return false;
 }
 
-std::string ClipboardBytes(size_t* size) {
-    std::string bytes;
-    *size = 0;
-    if (!OpenClipboard(nullptr)) return bytes;
-    HANDLE data = GetClipboardData(CF_TEXT);
-    if (data) {
-        *size = GlobalSize(data);
-        const char* p = static_cast<const char*>(GlobalLock(data));
-        if (p) bytes.assign(p, *size);
-        GlobalUnlock(data);
-    }
-    CloseClipboard();
-    return bytes;
-}
-
 void PutClipboardText(const char* text) {
     if (!OpenClipboard(nullptr)) return;
     EmptyClipboard();
@@ -380,16 +359,15 @@ void TestListBox() {
     PressButton(dialog, IDC_SP_COPY);
     CHECK(g_handedOver.calls == 1);
     CHECK(g_handedOver.bytes == std::string("a\nbc\n", 5));  // LF only, no CR, no zero
-    size_t size;
-    std::string bytes = ClipboardBytes(&size);
-    CHECK(size == 5 && bytes.compare(0, 4, "a\nbc") == 0);
+    std::string bytes = ClipboardBytes();
+    CHECK(bytes.size() == 5 && bytes.compare(0, 4, "a\nbc") == 0);
 
     // An empty list leaves the clipboard alone.
     PutClipboardText("keep");
     SendMessageA(list, LB_RESETCONTENT, 0, 0);
     PressButton(dialog, IDC_SP_COPY);
     CHECK(g_handedOver.calls == 1);
-    CHECK(ClipboardBytes(&size).compare(0, 5, std::string("keep\0", 5)) == 0);
+    CHECK(ClipboardBytes().compare(0, 5, std::string("keep\0", 5)) == 0);
 
     // The extent follows the widest line: none, short, then past the width.
     CTestScriptDialog* dlg = client.Dialog();

@@ -3,50 +3,26 @@
 // progress window, with the questions and messages found and answered. The
 // simulated device shows what arrived, and that the lock is given back.
 //
-// A modal window (a message box, a file dialog, the properties or progress
-// window) runs its own loop inside the click that opened it, so a driver
-// thread looks at it and answers while this thread pumps.
 #include "WinTest.h"  // windows.h first
 
 #include <commctrl.h>
 #include <shlobj.h>
 
-#include <algorithm>
-#include <atomic>
 #include <cstring>
-#include <functional>
 #include <string>
 #include <vector>
 
 #include "filemanager/FileManager.h"
-#include "frame/Dialog.h"
 #include "host/sim/SimDevice.h"
 #include "res/OndResource.h"
 
 namespace {
 
-class CTestFileManager : public CONXFileManager {
-public:
-    HWND Window() { return m_pDialog ? m_pDialog->GetSafeHwnd() : nullptr; }
-    // Connected to the device and shown in the host's window: the dialog.
-    HWND Open(CSimDevice* device, HWND parent = TestHostWindow()) {
-        Connect(device);
-        ShowDialogNonModal(parent);
-        return Window();
-    }
-};
+using CTestFileManager = CWindowed<CONXFileManager>;
 
 std::string g_dir;  // the test's files, in the temporary folder, ending in a backslash
 
-std::string WriteFile(const std::string& name, const std::string& bytes) {
-    std::string path = g_dir + name;
-    FILE* f = std::fopen(path.c_str(), "wb");
-    if (f) {
-        std::fwrite(bytes.data(), 1, bytes.size(), f);
-        std::fclose(f);
-    }
-    return path;
-}
+std::string WriteFile(const std::string& name, const std::string& bytes) { return WriteBytes(g_dir + name, bytes); }
 
 std::string ReadFile(const std::string& path) {
     std::string text;
@@ -59,147 +35,12 @@ std::string ReadFile(const std::string& path) {
     return text;
 }
 
-HWND FindDialog(const char* caption) {
-    HWND found = FindWindowA("#32770", caption);
-    return found && IsWindowVisible(found) ? found : nullptr;
-}
-
-// For driver threads: waits (without pumping) for a visible dialog.
-HWND WaitForDialog(const char* caption, DWORD ms = 15000) {
-    DWORD start = GetTickCount();
-    for (;;) {
-        if (HWND found = FindDialog(caption)) {
-            Sleep(150);  // let it finish its initialisation
-            return found;
-        }
-        if (GetTickCount() - start > ms) return nullptr;
-        Sleep(10);
-    }
-}
-
-bool WaitGone(HWND window, DWORD ms = 10000) {
-    DWORD start = GetTickCount();
-    while (IsWindow(window) && IsWindowVisible(window)) {
-        if (GetTickCount() - start > ms) return false;
-        Sleep(10);
-    }
-    return true;
-}
-
-// What a message box showed.
-struct TBox {
-    bool seen = false;
-    std::string text;
-    std::string buttons;  // button texts in id order, "|" after each
-    std::string icon;     // "exclamation", "question" or "none"
-    int defaultButton = 0;
-};
-
-BOOL CALLBACK CollectBox(HWND child, LPARAM out) {
-    auto* box = reinterpret_cast<TBox*>(out);
-    char cls[32] = "";
-    GetClassNameA(child, cls, sizeof cls);
-    LONG style = GetWindowLongA(child, GWL_STYLE);
-    if (_stricmp(cls, "Static") == 0) {
-        if ((style & SS_TYPEMASK) == SS_ICON) {
-            HICON icon = reinterpret_cast<HICON>(SendMessageA(child, STM_GETICON, 0, 0));
-            if (!icon || !IsWindowVisible(child)) return TRUE;  // a box without an icon
-            box->icon = icon == LoadIconA(nullptr, IDI_EXCLAMATION) ? "exclamation"
-                        : icon == LoadIconA(nullptr, IDI_QUESTION)  ? "question"
-                                                                    : "other";
-        } else if (!WindowText(child).empty()) {
-            box->text = WindowText(child);
-        }
-    }
-    return TRUE;
-}
-
-TBox ReadBox(HWND window) {
+// A click whose handler shows a message box; the box as the driver found it,
+// answered with `button`.
+TBox ClickAnswer(HWND dialog, int id, const char* caption, int button = IDOK) {
     TBox box;
-    box.seen = true;
-    box.icon = "none";
-    EnumChildWindows(window, CollectBox, reinterpret_cast<LPARAM>(&box));
-    for (int id : {IDOK, IDCANCEL, IDYES, IDNO}) {
-        HWND button = GetDlgItem(window, id);
-        if (!button || !IsWindowVisible(button)) continue;
-        std::string text = WindowText(button);
-        text.erase(std::remove(text.begin(), text.end(), '&'), text.end());  // mnemonics
-        box.buttons += text + "|";
-        if ((GetWindowLongA(button, GWL_STYLE) & 0xF) == BS_DEFPUSHBUTTON) box.defaultButton = id;
-    }
+    Drive([&] { Click(dialog, id); }, [&] { box = AnswerBox(caption, button); });
     return box;
-}
-
-// Waits for a box of that caption, reads it and presses the button.
-TBox AnswerBox(const char* caption, int button, DWORD ms = 15000) {
-    TBox box;
-    HWND window = WaitForDialog(caption, ms);
-    if (!window) return box;
-    box = ReadBox(window);
-    PostMessageA(window, WM_COMMAND, button, 0);
-    WaitGone(window);
-    return box;
-}
-
-// Types a name into an open or save dialog and presses its OK button.
-void TypeFileName(HWND dialog, const std::string& name) {
-    HWND edit = GetDlgItem(dialog, 0x47C);  // the file name combo
-    if (!edit) edit = GetDlgItem(dialog, 0x480);
-    SetWindowTextA(edit, name.c_str());
-    PostMessageA(dialog, WM_COMMAND, IDOK, 0);
-}
-
-bool AnswerFileDialog(const char* caption, const std::string& path) {
-    HWND dialog = WaitForDialog(caption);
-    if (!dialog) return false;
-    TypeFileName(dialog, path);
-    return WaitGone(dialog);
-}
-
-// Anything a failed driver left open is closed, so that the click that
-// opened it can return.
-void CloseLeftovers() {
-    const char* captions[] = {"Error", "Warning", "WARNING", "File properties", "Progress",
-                              "Open source file(s)", "Open job file", "Save list file"};
-    for (int round = 0; round < 20; ++round) {
-        bool any = false;
-        for (const char* caption : captions) {
-            if (HWND w = FindDialog(caption)) {
-                PostMessageA(w, WM_COMMAND, IDCANCEL, 0);
-                any = true;
-            }
-        }
-        if (!any) return;
-        Sleep(100);
-    }
-}
-
-// Runs body on a driver thread while this thread pumps, started by `action`
-// (a posted click). Returns when the driver has finished and the handlers it
-// drove have returned.
-void Drive(const std::function<void()>& action, const std::function<void()>& body) {
-    struct TRun {
-        std::function<void()> body;
-        std::atomic<bool> done{false};
-    } run;
-    run.body = body;
-    HANDLE thread = CreateThread(
-        nullptr, 0,
-        [](void* p) -> DWORD {
-            auto* r = static_cast<TRun*>(p);
-            r->body();
-            CloseLeftovers();
-            r->done = true;
-            return 0;
-        },
-        &run, 0, nullptr);
-    action();
-    bool ended = PumpUntil([&] { return run.done.load(); }, 90000);
-    CHECK(ended);
-    if (!ended) CloseLeftovers();
-    WaitForSingleObject(thread, INFINITE);
-    CloseHandle(thread);
-    PumpMessages(50);  // the posted rest of the handler
 }
 
 // The list's rows as "c0,c1,...|" per row.
@@ -244,16 +85,20 @@ void SetCell(HWND list, int row, int column, const char* text) {
     SendMessageA(list, LVM_SETITEMTEXTA, row, reinterpret_cast<LPARAM>(&item));
 }
 
-std::string Header(HWND list, int column, int* width, int* format) {
-    char text[64] = "";
-    LVCOLUMNA info = {};
-    info.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_FMT;
-    info.pszText = text;
-    info.cchTextMax = sizeof text;
-    SendMessageA(list, LVM_GETCOLUMNA, column, reinterpret_cast<LPARAM>(&info));
-    *width = info.cx;
-    *format = info.fmt & LVCFMT_JUSTIFYMASK;
-    return text;
+// The list's columns as "title width alignment|" each.
+std::string Columns(HWND list, int count) {
+    std::string all;
+    for (int i = 0; i < count; ++i) {
+        char text[64] = "";
+        LVCOLUMNA info = {};
+        info.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_FMT;
+        info.pszText = text;
+        info.cchTextMax = sizeof text;
+        SendMessageA(list, LVM_GETCOLUMNA, i, reinterpret_cast<LPARAM>(&info));
+        bool right = (info.fmt & LVCFMT_JUSTIFYMASK) == LVCFMT_RIGHT;
+        all += std::string(text) + " " + std::to_string(info.cx) + (right ? " right|" : " left|");
+    }
+    return all;
 }
 
 // Files dropped from a shell window: an HDROP of ANSI names.
@@ -279,7 +124,20 @@ void Store(CSimDevice* sim, uint8_t id, uint8_t type, size_t size) {
     sim->TransmitFileFromMemory(data.data(), data.size(), id, type, 0, nullptr, nullptr, 1, 1);
 }
 
-bool Enabled(HWND dialog, int id) { return IsWindowEnabled(GetDlgItem(dialog, id)) != 0; }
+// The buttons that are on, by name, in a fixed order.
+std::string EnabledButtons(HWND dialog) {
+    const struct {
+        int id;
+        const char* name;
+    } buttons[] = {{IDC_FM_SAVEJOB, "save"},   {IDC_FM_COPYSELECTED, "copysel"}, {IDC_FM_COPYALL, "copyall"},
+                   {IDC_FM_REFRESH, "refresh"}, {IDC_FM_FORMAT, "format"},        {IDC_FM_DELETE, "delete"},
+                   {IDC_FM_ADDFILES, "add"},    {IDC_FM_CLEAR, "clear"},          {IDC_FM_LOADJOB, "load"},
+                   {IDOK, "close"}};
+    std::string on;
+    for (const auto& b : buttons)
+        if (IsWindowEnabled(GetDlgItem(dialog, b.id))) on += std::string(on.empty() ? "" : " ") + b.name;
+    return on;
+}
 
 // Makes the dialog look at its controls and the channel now, as its timer would.
 void Update(CTestFileManager* fm, CSimDevice* sim) {
@@ -293,9 +151,7 @@ void TestLayoutAndStates(CSimDevice* sim) {
     Store(sim, 1, 2, 300);
     Store(sim, 7, 9, 5000);
     CTestFileManager fm;
-    fm.Connect(sim);
-    CHECK(fm.ShowDialogNonModal(TestHostWindow()) == EONX_ERR_NONE);
-    HWND dialog = fm.Window();
+    HWND dialog = fm.Open(sim);
     CHECK(dialog != nullptr);
     if (!dialog) return;
     CHECK_EQ_STR(WindowText(dialog), "File manager");
@@ -303,28 +159,19 @@ void TestLayoutAndStates(CSimDevice* sim) {
     CHECK(IsDlgButtonChecked(dialog, IDC_FM_CONTINUE) == BST_CHECKED);
     CHECK(sim->LockOwner() == nullptr);
 
+    // Each list's columns: "title width alignment"; the first local and the
+    // last device column take the rest of the list's width.
     HWND local = GetDlgItem(dialog, IDC_FM_LOCALLIST);
     HWND device = GetDlgItem(dialog, IDC_FM_DEVICELIST);
     RECT client;
     GetClientRect(local, &client);
-    int width, format;
-    int first = client.right - 150 < 200 ? 200 : client.right - 150;
-    CHECK_EQ_STR(Header(local, 0, &width, &format), "Filename");
-    CHECK(width == first && format == LVCFMT_LEFT);
-    const char* localHeaders[] = {"File ID", "File type", "File mode"};
-    for (int i = 1; i < 4; ++i) {
-        CHECK_EQ_STR(Header(local, i, &width, &format), localHeaders[i - 1]);
-        CHECK(width == 50 && format == LVCFMT_RIGHT);
-    }
+    std::string first = std::to_string(client.right - 150 < 200 ? 200 : client.right - 150);
+    CHECK_EQ_STR(Columns(local, 4), "Filename " + first + " left|File ID 50 right|File type 50 right|File mode 50 right|");
+    GetClientRect(device, &client);
+    std::string last = std::to_string(client.right - 120 < 100 ? 100 : client.right - 120);
+    CHECK_EQ_STR(Columns(device, 3), "File ID 60 right|File type 60 right|File size " + last + " right|");
     DWORD styles = DWORD(SendMessageA(local, LVM_GETEXTENDEDLISTVIEWSTYLE, 0, 0));
     CHECK((styles & (LVS_EX_GRIDLINES | LVS_EX_FULLROWSELECT)) == (LVS_EX_GRIDLINES | LVS_EX_FULLROWSELECT));
-    GetClientRect(device, &client);
-    CHECK_EQ_STR(Header(device, 0, &width, &format), "File ID");
-    CHECK(width == 60);
-    CHECK_EQ_STR(Header(device, 1, &width, &format), "File type");
-    CHECK(width == 60 && format == LVCFMT_RIGHT);
-    CHECK_EQ_STR(Header(device, 2, &width, &format), "File size");
-    CHECK(width == (client.right - 120 < 100 ? 100 : client.right - 120) && format == LVCFMT_RIGHT);
 
     // The first refresh ran in OnInitDialog.
     CHECK_EQ_STR(Rows(device), "1,2,300|7,9,5000|");
@@ -332,41 +179,29 @@ void TestLayoutAndStates(CSimDevice* sim) {
                  "5300 bytes in 2 files\nrequire 12288 bytes on disk\n1036288 bytes free");
     CHECK(ItemText(dialog, IDC_FM_CONFIG).find("State: open") != std::string::npos);
 
-    // Connected, no local rows, no device row selected.
-    CHECK(!Enabled(dialog, IDC_FM_SAVEJOB));
-    CHECK(!Enabled(dialog, IDC_FM_COPYSELECTED));
-    CHECK(!Enabled(dialog, IDC_FM_COPYALL));
-    CHECK(Enabled(dialog, IDC_FM_REFRESH));
-    CHECK(Enabled(dialog, IDC_FM_FORMAT));
-    CHECK(!Enabled(dialog, IDC_FM_DELETE));
-    for (int id : {IDC_FM_ADDFILES, IDC_FM_CLEAR, IDC_FM_LOADJOB, IDOK}) CHECK(Enabled(dialog, id));
-
+    // Connected, no local rows, no device row selected; then a local file
+    // and a device row; then a local row selected too.
+    CHECK_EQ_STR(EnabledButtons(dialog), "refresh format add clear load close");
     DropFiles(dialog, {g_dir + "a.bin"});
     Select(device, {1});
     Update(&fm, sim);
-    CHECK(Enabled(dialog, IDC_FM_SAVEJOB));
-    CHECK(Enabled(dialog, IDC_FM_COPYALL));
-    CHECK(!Enabled(dialog, IDC_FM_COPYSELECTED));
-    CHECK(Enabled(dialog, IDC_FM_DELETE));
+    CHECK_EQ_STR(EnabledButtons(dialog), "save copyall refresh format delete add clear load close");
     Select(local, {0});
     Update(&fm, sim);
-    CHECK(Enabled(dialog, IDC_FM_COPYSELECTED));
+    CHECK_EQ_STR(EnabledButtons(dialog), "save copysel copyall refresh format delete add clear load close");
     SaveScreenshot(dialog, "filemanager");
 
     // A closed channel (state 2): every device action off, "Save job" still on.
     sim->SetState(2);
     Update(&fm, sim);
     CHECK(ItemText(dialog, IDC_FM_CONFIG).find("State: closed") != std::string::npos);
-    for (int id : {IDC_FM_COPYSELECTED, IDC_FM_COPYALL, IDC_FM_REFRESH, IDC_FM_FORMAT, IDC_FM_DELETE})
-        CHECK(!Enabled(dialog, id));
-    CHECK(Enabled(dialog, IDC_FM_SAVEJOB));
+    CHECK_EQ_STR(EnabledButtons(dialog), "save add clear load close");
     sim->SetState(1);
     // No channel at all counts as not connected; nothing is asked of it.
     fm.Connect(nullptr);
     PumpMessages(20);
     CHECK_EQ_STR(ItemText(dialog, IDC_FM_CONFIG), "No communication device...");
-    CHECK(!Enabled(dialog, IDC_FM_REFRESH) && !Enabled(dialog, IDC_FM_DELETE));
-    CHECK(Enabled(dialog, IDC_FM_SAVEJOB));
+    CHECK_EQ_STR(EnabledButtons(dialog), "save add clear load close");
     uint64_t calls = sim->TotalCallCount();
     Click(dialog, IDC_FM_REFRESH);
     Click(dialog, IDC_FM_FORMAT);
@@ -376,12 +211,12 @@ void TestLayoutAndStates(CSimDevice* sim) {
     // No timer runs without a channel: "Save job" follows the local list's
     // own edits at once.
     ClickNow(dialog, IDC_FM_CLEAR);
-    CHECK(!Enabled(dialog, IDC_FM_SAVEJOB));
+    CHECK_EQ_STR(EnabledButtons(dialog), "add clear load close");
     DropFiles(dialog, {g_dir + "a.bin"});
-    CHECK(Enabled(dialog, IDC_FM_SAVEJOB));
+    CHECK_EQ_STR(EnabledButtons(dialog), "save add clear load close");
     Select(local, {0});
     SendMessageA(local, WM_KEYDOWN, VK_DELETE, 0);
-    CHECK(!Enabled(dialog, IDC_FM_SAVEJOB));
+    CHECK_EQ_STR(EnabledButtons(dialog), "add clear load close");
 }
 
 // A failed read: the message in the summary, the list rebuilt from what the
@@ -404,11 +239,7 @@ void TestRefreshFailure(CSimDevice* sim) {
 
     // Another owner holds the channel (a script runs): the locked message.
     CHECK(sim->Lock(sim, 0) == 0);
-    TBox box;
-    Drive([&] { Click(dialog, IDC_FM_REFRESH); }, [&] { box = AnswerBox("Error", IDOK); });
-    CHECK_EQ_STR(box.text, "Communication device is locked");
-    CHECK_EQ_STR(box.buttons, "OK|");
-    CHECK_EQ_STR(box.icon, "exclamation");
+    CHECK_EQ_STR(Shown(ClickAnswer(dialog, IDC_FM_REFRESH, "Error")), "exclamation OK| Communication device is locked");
     sim->Unlock(sim);
 }
 
@@ -420,16 +251,12 @@ void TestDelete(CSimDevice* sim) {
     HWND device = GetDlgItem(dialog, IDC_FM_DEVICELIST);
     CHECK_EQ_STR(Rows(device), "1,2,300|3,1,10|4,1,10|5,1,10|6,1,10|7,9,5000|");
 
-    TBox box;
-    Drive([&] { Click(dialog, IDC_FM_DELETE); }, [&] { box = AnswerBox("Error", IDOK); });
-    CHECK_EQ_STR(box.text, "No files marked to delete!");
+    CHECK_EQ_STR(ClickAnswer(dialog, IDC_FM_DELETE, "Error").text, "No files marked to delete!");
 
     // One file: singular.
     Select(device, {1});
-    Drive([&] { Click(dialog, IDC_FM_DELETE); }, [&] { box = AnswerBox("Warning", IDYES); });
-    CHECK_EQ_STR(box.text, "Deleting 1 file from device, are you sure?");
-    CHECK_EQ_STR(box.buttons, "Yes|No|");
-    CHECK_EQ_STR(box.icon, "question");
+    CHECK_EQ_STR(Shown(ClickAnswer(dialog, IDC_FM_DELETE, "Warning", IDYES)),
+                 "question Yes|No| Deleting 1 file from device, are you sure?");
     CHECK(!sim->GetStoredFile(3, nullptr));
     CHECK_EQ_STR(Rows(device), "1,2,300|4,1,10|5,1,10|6,1,10|7,9,5000|");
     CHECK(sim->LockOwner() == nullptr);
@@ -437,16 +264,14 @@ void TestDelete(CSimDevice* sim) {
     // Two files, answered No: nothing happens.
     Select(device, {1, 2});
     uint64_t deletes = sim->CallCount("DeleteDeviceFile");
-    Drive([&] { Click(dialog, IDC_FM_DELETE); }, [&] { box = AnswerBox("Warning", IDNO); });
-    CHECK_EQ_STR(box.text, "Deleting 2 files from device, are you sure?");
+    CHECK_EQ_STR(ClickAnswer(dialog, IDC_FM_DELETE, "Warning", IDNO).text, "Deleting 2 files from device, are you sure?");
     CHECK(sim->CallCount("DeleteDeviceFile") == deletes);
     CHECK(sim->GetStoredFile(4, nullptr) && sim->GetStoredFile(5, nullptr));
 
     // Three rows, one of them not a number: skipped without a word.
     Select(device, {1, 2, 3});
     SetCell(device, 2, 0, "five");
-    Drive([&] { Click(dialog, IDC_FM_DELETE); }, [&] { box = AnswerBox("Warning", IDYES); });
-    CHECK_EQ_STR(box.text, "Deleting 3 files from device, are you sure?");
+    CHECK_EQ_STR(ClickAnswer(dialog, IDC_FM_DELETE, "Warning", IDYES).text, "Deleting 3 files from device, are you sure?");
     CHECK(sim->CallCount("DeleteDeviceFile") - deletes == 2);
     CHECK(FindDialog("Error") == nullptr);
     CHECK_EQ_STR(Rows(device), "1,2,300|5,1,10|7,9,5000|");
@@ -465,14 +290,9 @@ void TestFormat(CSimDevice* sim) {
 
     // Cancel: the device untouched, the lock given back.
     uint64_t erases = sim->BlockErases();
-    TBox box;
-    Drive([&] { Click(dialog, IDC_FM_FORMAT); }, [&] {
-        box = AnswerBox("WARNING", IDCANCEL);
-    });
-    CHECK_EQ_STR(box.text, question);
-    CHECK_EQ_STR(box.buttons, "Cancel|Yes|No|");
+    TBox box = ClickAnswer(dialog, IDC_FM_FORMAT, "WARNING", IDCANCEL);
+    CHECK_EQ_STR(Shown(box), std::string("exclamation Cancel|Yes|No| ") + question);
     CHECK(box.defaultButton == IDCANCEL);
-    CHECK_EQ_STR(box.icon, "exclamation");
     CHECK(sim->BlockErases() == erases && sim->CallCount("FormatDevice") == 0);
     CHECK(RowCount(device) == 3);
     CHECK(sim->LockOwner() == nullptr);
@@ -480,7 +300,7 @@ void TestFormat(CSimDevice* sim) {
     // No: only the blocks marked as used; the program slot stays.
     sim->TransmitFileFromMemory("prog", 4, 0, 0, SIMDEV_MODE_PROGRAM, nullptr, nullptr, 1, 1);
     uint32_t marked = sim->MarkedBlocks();
-    Drive([&] { Click(dialog, IDC_FM_FORMAT); }, [&] { AnswerBox("WARNING", IDNO); });
+    ClickAnswer(dialog, IDC_FM_FORMAT, "WARNING", IDNO);
     CHECK(sim->BlockErases() - erases == marked);
     CHECK(sim->HasProgram());
     CHECK(RowCount(device) == 0);
@@ -489,7 +309,7 @@ void TestFormat(CSimDevice* sim) {
     // Yes: every block and the program slot.
     Store(sim, 9, 1, 1);
     erases = sim->BlockErases();
-    Drive([&] { Click(dialog, IDC_FM_FORMAT); }, [&] { AnswerBox("WARNING", IDYES); });
+    ClickAnswer(dialog, IDC_FM_FORMAT, "WARNING", IDYES);
     CHECK(sim->BlockErases() - erases == 256);
     CHECK(!sim->HasProgram());
     CHECK_EQ_STR(ItemText(dialog, IDC_FM_SUMMARY),
@@ -520,9 +340,7 @@ void TestLocalListAndJobs(CSimDevice* sim) {
     CHECK(RowCount(local) == 0);
 
     // Save job with no rows.
-    TBox box;
-    Drive([&] { Click(dialog, IDC_FM_SAVEJOB); }, [&] { box = AnswerBox("Error", IDOK); });
-    CHECK_EQ_STR(box.text, "No files in list that could be saved");
+    CHECK_EQ_STR(ClickAnswer(dialog, IDC_FM_SAVEJOB, "Error").text, "No files in list that could be saved");
 
     // "Add files": two files picked in the folder.
     std::string folder = g_dir.substr(0, g_dir.size() - 1);
@@ -555,6 +373,7 @@ void TestLocalListAndJobs(CSimDevice* sim) {
                                   "folder with blanks\\c.bin,0,1,normal|");
 
     // A job file that cannot be read keeps the rows.
+    TBox box;
     Drive([&] { Click(dialog, IDC_FM_LOADJOB); }, [&] {
         CHECK(AnswerFileDialog("Open job file", g_dir + "missing.dcj"));
         box = AnswerBox("Error", IDOK);
@@ -563,9 +382,6 @@ void TestLocalListAndJobs(CSimDevice* sim) {
     CHECK(RowCount(local) == 3);
     SaveScreenshot(dialog, "filemanager-local");
 }
-
-// Sets the properties dialog's fields from the driver thread.
-void SetField(HWND properties, int id, const char* text) { SetDlgItemTextA(properties, id, text); }
 
 // Posted: the click may open a message box, which the driver then answers.
 void PressOK(HWND properties) { PostMessageA(GetDlgItem(properties, IDOK), BM_CLICK, 0, 0); }
@@ -620,24 +436,24 @@ void TestProperties(CSimDevice* sim) {
         SelectMode(p, 0);  // "bit reverse"
 
         // Enter in the ID edit: neither closes nor validates.
-        SetField(p, IDC_FP_ID, "abc");
+        SetDlgItemTextA(p, IDC_FP_ID, "abc");
         SendMessageA(p, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(GetDlgItem(p, IDC_FP_ID)), TRUE);
         PostMessageA(GetDlgItem(p, IDC_FP_ID), WM_KEYDOWN, VK_RETURN, 0);
         Sleep(300);
         openAfterEnter = IsWindow(p) && FindDialog("Error") == nullptr;
 
         // An invalid ID: its message; the type is not looked at yet.
-        SetField(p, IDC_FP_TYPE, "abc");
+        SetDlgItemTextA(p, IDC_FP_TYPE, "abc");
         PressOK(p);
         idBox = AnswerBox("Error", IDOK);
         afterId = ItemText(p, IDC_FP_ID);
         // A valid ID, an invalid type.
-        SetField(p, IDC_FP_ID, "300");
+        SetDlgItemTextA(p, IDC_FP_ID, "300");
         PressOK(p);
         typeBox = AnswerBox("Error", IDOK);
         afterType = ItemText(p, IDC_FP_TYPE);
         openAfterBoxes = IsWindow(p) != 0;
-        SetField(p, IDC_FP_TYPE, "12abc");
+        SetDlgItemTextA(p, IDC_FP_TYPE, "12abc");
         PressOK(p);
         WaitGone(p);
     });
@@ -676,8 +492,8 @@ void TestProperties(CSimDevice* sim) {
         p = WaitForDialog("File properties");
         if (!p) return;
         second = ItemText(p, IDC_FP_PATH);
-        SetField(p, IDC_FP_ID, "5");
-        SetField(p, IDC_FP_TYPE, "6");
+        SetDlgItemTextA(p, IDC_FP_ID, "5");
+        SetDlgItemTextA(p, IDC_FP_TYPE, "6");
         PressOK(p);
         WaitGone(p);
     });
@@ -714,14 +530,11 @@ void TestCopy(CSimDevice* sim) {
     if (!dialog) return;
     HWND local = GetDlgItem(dialog, IDC_FM_LOCALLIST);
 
-    TBox box;
-    Drive([&] { Click(dialog, IDC_FM_COPYALL); }, [&] { box = AnswerBox("Error", IDOK); });
-    CHECK_EQ_STR(box.text, "No files present to copy!");
+    CHECK_EQ_STR(ClickAnswer(dialog, IDC_FM_COPYALL, "Error").text, "No files present to copy!");
     std::string one = WriteFile("one.bin", "first file"), three = WriteFile("three.bin", "third");
     std::string missing = g_dir + "two-missing.bin";
     DropFiles(dialog, {one, missing, three});
-    Drive([&] { Click(dialog, IDC_FM_COPYSELECTED); }, [&] { box = AnswerBox("Error", IDOK); });
-    CHECK_EQ_STR(box.text, "No files marked to copy!");
+    CHECK_EQ_STR(ClickAnswer(dialog, IDC_FM_COPYSELECTED, "Error").text, "No files marked to copy!");
     for (int row = 0; row < 3; ++row) {
         SetCell(local, row, 1, std::to_string(20 + row).c_str());
         SetCell(local, row, 2, std::to_string(30 + row).c_str());
@@ -729,9 +542,8 @@ void TestCopy(CSimDevice* sim) {
     SetCell(local, 2, 3, "bit reverse");
 
     // The second of three fails; continue on error (the default): the third goes.
-    Drive([&] { Click(dialog, IDC_FM_COPYALL); }, [&] { box = AnswerBox("Error", IDOK); });
-    CHECK_EQ_STR(box.text, "Error during copying " + missing + ": Local file cannot be opened or read");
-    CHECK_EQ_STR(box.icon, "exclamation");
+    const std::string failure = "Error during copying " + missing + ": Local file cannot be opened or read";
+    CHECK_EQ_STR(Shown(ClickAnswer(dialog, IDC_FM_COPYALL, "Error")), "exclamation OK| " + failure);
     CSimDevice::TStoredFile stored;
     CHECK(sim->GetStoredFile(20, &stored) && stored.data == "first file" && stored.fileType == 30);
     CHECK(sim->GetStoredFile(22, &stored) && stored.fileType == 32 && stored.data.size() == 5 &&
@@ -748,8 +560,7 @@ void TestCopy(CSimDevice* sim) {
     PumpMessages(50);
     CHECK(IsDlgButtonChecked(dialog, IDC_FM_CONTINUE) == BST_UNCHECKED);
     uint64_t transfers = sim->CallCount("TransmitFile");
-    Drive([&] { Click(dialog, IDC_FM_COPYALL); }, [&] { box = AnswerBox("Error", IDOK); });
-    CHECK_EQ_STR(box.text, "Error during copying " + missing + ": Local file cannot be opened or read");
+    CHECK_EQ_STR(ClickAnswer(dialog, IDC_FM_COPYALL, "Error").text, failure);
     CHECK(sim->CallCount("TransmitFile") - transfers == 2);
     CHECK(sim->GetStoredFile(20, nullptr) && !sim->GetStoredFile(22, nullptr));
     SendMessageA(GetDlgItem(dialog, IDC_FM_CONTINUE), BM_CLICK, 0, 0);
@@ -800,12 +611,8 @@ void TestProgressAndAbort(CSimDevice* sim) {
             totalDuring = int(SendMessageA(GetDlgItem(progress, IDC_PROG_TOTAL), PBM_GETPOS, 0, 0));
             smooth = (GetWindowLongA(GetDlgItem(progress, IDC_PROG_FILE), GWL_STYLE) & PBS_SMOOTH) != 0;
             if (!byEscape) SaveScreenshot(progress, "progress");
-            if (byEscape) {
-                HWND abort = GetDlgItem(progress, IDCANCEL);
-                PostMessageA(abort, WM_KEYDOWN, VK_ESCAPE, 0);
-            } else {
-                PostMessageA(GetDlgItem(progress, IDCANCEL), BM_CLICK, 0, 0);
-            }
+            HWND abort = GetDlgItem(progress, IDCANCEL);
+            PostMessageA(abort, byEscape ? WM_KEYDOWN : BM_CLICK, byEscape ? VK_ESCAPE : 0, 0);
             report = AnswerBox("Error", IDOK);
         });
         CHECK_EQ_STR(count, "0 files of 2 copied so far...");
@@ -824,9 +631,7 @@ void TestProgressAndAbort(CSimDevice* sim) {
     std::string longFolder = g_dir + std::string(120, 'f') + "\\";
     CreateDirectoryA(longFolder.c_str(), nullptr);
     std::string longPath = longFolder + "the-end-of-a-long-path.bin";
-    FILE* f = std::fopen(longPath.c_str(), "wb");
-    CHECK(f != nullptr);
-    if (f) std::fclose(f);
+    WriteBytes(longPath, "");
     ClickNow(dialog, IDC_FM_CLEAR);
     DropFiles(dialog, {longPath});
     std::string count, name;
@@ -893,9 +698,7 @@ void TestCloseDuringCopy(CSimDevice* sim) {
     sim->SetStepDelay(20);
     {
         auto* fm = new CTestFileManager;
-        fm->Connect(sim);
-        fm->ShowDialogNonModal(host);
-        HWND dialog = fm->Window();
+        HWND dialog = fm->Open(sim, host);
         DropFiles(dialog, {slow, slow});
         bool sawProgress = false;
         Drive([&] { Click(dialog, IDC_FM_COPYALL); }, [&] {
@@ -911,8 +714,7 @@ void TestCloseDuringCopy(CSimDevice* sim) {
     }
     {
         // The host's window goes, taking the dialog and the progress window.
-        HWND parent = CreateWindowA("OndFMTestHost", "parent", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0,
-                                    0, 300, 200, nullptr, nullptr, wc.hInstance, nullptr);
+        HWND parent = NewHostWindow("parent");
         CTestFileManager fm;
         HWND dialog = fm.Open(sim, parent);
         DropFiles(dialog, {slow});
@@ -932,9 +734,7 @@ void TestCloseDuringCopy(CSimDevice* sim) {
     {
         // Deleted while Space has the properties dialog open.
         auto* fm = new CTestFileManager;
-        fm->Connect(sim);
-        fm->ShowDialogNonModal(host);
-        HWND dialog = fm->Window();
+        HWND dialog = fm->Open(sim, host);
         HWND local = GetDlgItem(dialog, IDC_FM_LOCALLIST);
         DropFiles(dialog, {slow});
         Select(local, {0});
@@ -953,10 +753,7 @@ void TestCloseDuringCopy(CSimDevice* sim) {
 }  // namespace
 
 void TestFileManagerWindow() {
-    char temp[MAX_PATH] = "";
-    GetTempPathA(MAX_PATH, temp);
-    g_dir = std::string(temp) + "ondfm\\";
-    CreateDirectoryA(g_dir.c_str(), nullptr);
+    g_dir = TempFolder("ondfm");
     CreateDirectoryA((g_dir + "folder with blanks").c_str(), nullptr);
     DWORD start = GetTickCount();
 

@@ -4,6 +4,8 @@
 
 #include <commctrl.h>
 
+#include <cstring>
+
 #include "res/OndResource.h"
 
 namespace {
@@ -21,13 +23,16 @@ bool StartHost(const std::string& arguments, PROCESS_INFORMATION* process) {
                           &startup, process) != 0;
 }
 
-void EndHost(HWND host, PROCESS_INFORMATION* process) {
-    if (host) PostMessageA(host, WM_CLOSE, 0, 0);
+// Closes the window (the host's or its message box) and waits for the exit.
+void EndHost(HWND window, PROCESS_INFORMATION* process, DWORD expected = 0) {
+    char cls[16] = "";
+    if (window && GetClassNameA(window, cls, sizeof cls))
+        PostMessageA(window, std::strcmp(cls, "#32770") == 0 ? WM_COMMAND : WM_CLOSE, IDOK, 0);
     // It deletes every instance and unloads the DLL on the way out.
     CHECK(WaitForSingleObject(process->hProcess, 30000) == WAIT_OBJECT_0);
     DWORD code = 99;
     GetExitCodeProcess(process->hProcess, &code);
-    CHECK(code == 0);
+    CHECK(code == expected);
     if (code == STILL_ACTIVE) TerminateProcess(process->hProcess, 1);
     CloseHandle(process->hThread);
     CloseHandle(process->hProcess);
@@ -126,24 +131,10 @@ void TestHostBadPort() {
     CHECK(box != nullptr);
     // The box is found as soon as it exists; its text may come a moment later.
     std::string text;
-    for (int round = 0; round < 50 && box && text.empty(); ++round) {
-        for (HWND child = GetWindow(box, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
-            char cls[16] = "";
-            GetClassNameA(child, cls, sizeof cls);
-            if (_stricmp(cls, "Static") == 0 && !WindowText(child).empty()) text = WindowText(child);
-        }
-        if (text.empty()) PumpMessages(100);
-    }
+    for (int round = 0; round < 50 && box && (text = ReadBox(box).text).empty(); ++round) PumpMessages(100);
     std::printf("ondhost --device serial:COM97: \"%s\"\n", text.c_str());
     CHECK(text.rfind("The serial port cannot be opened:\ncannot open COM97: ", 0) == 0);
-    if (box) PostMessageA(box, WM_COMMAND, IDOK, 0);
-    CHECK(WaitForSingleObject(process.hProcess, 30000) == WAIT_OBJECT_0);
-    DWORD code = 99;
-    GetExitCodeProcess(process.hProcess, &code);
-    CHECK(code == 1);
-    if (code == STILL_ACTIVE) TerminateProcess(process.hProcess, 1);
-    CloseHandle(process.hThread);
-    CloseHandle(process.hProcess);
+    EndHost(box, &process, 1);
 }
 
 // The File Manager in the host: the device's first files listed; then a
@@ -151,16 +142,9 @@ void TestHostBadPort() {
 // host deletes every instance and unloads the module with the copy just
 // ended, and exits cleanly.
 void TestHostFileManager() {
-    char temp[MAX_PATH] = "";
-    GetTempPathA(MAX_PATH, temp);
-    std::string data = std::string(temp) + "ondhost-copy.bin", job = std::string(temp) + "ondhost.dcj";
-    FILE* f = std::fopen(data.c_str(), "wb");
-    if (f) std::fclose(f);
-    f = std::fopen(job.c_str(), "wb");
-    if (f) {
-        std::fprintf(f, "ondhost-copy.bin\t40\t1\tnormal\nondhost-copy.bin\t41\t1\tnormal\n");
-        std::fclose(f);
-    }
+    std::string folder = TempFolder("ondhost");
+    std::string data = WriteBytes(folder + "ondhost-copy.bin", "");
+    std::string job = WriteBytes(folder + "ondhost.dcj", "ondhost-copy.bin\t40\t1\tnormal\nondhost-copy.bin\t41\t1\tnormal\n");
     PROCESS_INFORMATION process;
     bool started = StartHost("--sim-delay 20", &process);
     CHECK(started);
@@ -185,10 +169,7 @@ void TestHostFileManager() {
         CHECK(open != nullptr);
         if (open) {
             PumpMessages(200);
-            HWND name = GetDlgItem(open, 0x47C);
-            if (!name) name = GetDlgItem(open, 0x480);
-            SetWindowTextA(name, job.c_str());
-            PostMessageA(open, WM_COMMAND, IDOK, 0);
+            TypeFileName(open, job);
         }
         HWND local = GetDlgItem(fm, IDC_FM_LOCALLIST);
         for (int i = 0; i < 100 && SendMessageA(local, LVM_GETITEMCOUNT, 0, 0) != 2; ++i) PumpMessages(50);
@@ -214,11 +195,7 @@ void TestHost() {
     CHECK(started);
     if (!started) return;
 
-    HWND host = nullptr;
-    for (int i = 0; i < 200 && !host; ++i) {
-        PumpMessages(100);
-        host = FindWindowA("OndHostWindow", nullptr);
-    }
+    HWND host = WaitForWindow(process.dwProcessId, "OndHostWindow", nullptr);
     CHECK(host != nullptr);
     if (host) {
         PumpMessages(1000);  // the host shows what it can

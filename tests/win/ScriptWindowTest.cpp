@@ -6,128 +6,38 @@
 #include <vector>
 
 #include "WinTest.h"
-#include "frame/DeviceClient.h"
-#include "frame/Dialog.h"
 #include "host/sim/SimDevice.h"
 #include "res/OndResource.h"
 #include "scriptrt/ScriptProcessor.h"
 
 namespace {
 
-// The object as the factory makes it, with a look at its window.
-class CTestProcessor : public CONXScriptProcessor {
-public:
-    HWND Window() { return m_pDialog ? m_pDialog->GetSafeHwnd() : nullptr; }
-};
+using CTestProcessor = CWindowed<CONXScriptProcessor>;
 
 std::string g_folder;  // the scripts, in the temporary folder
 
-std::string WriteScript(const char* name, const char* text) {
-    std::string path = g_folder + name;
-    FILE* f = std::fopen(path.c_str(), "wb");
-    if (f) {
-        std::fputs(text, f);
-        std::fclose(f);
-    }
-    return path;
-}
-
-// The text of a message box: its static control that carries text.
-BOOL CALLBACK FindText(HWND child, LPARAM out) {
-    char cls[32] = "";
-    GetClassNameA(child, cls, sizeof cls);
-    std::string text = WindowText(child);
-    if (_stricmp(cls, "Static") == 0 && !text.empty()) {
-        *reinterpret_cast<std::string*>(out) = text;
-        return FALSE;
-    }
-    return TRUE;
-}
-
-std::string BoxText(HWND box) {
-    std::string text;
-    EnumChildWindows(box, FindText, reinterpret_cast<LPARAM>(&text));
-    return text;
-}
-
-HWND FindDialog(const char* caption) { return FindWindowA("#32770", caption); }
-
-// A window that is modal on the test's own thread (a file dialog, an error
-// box) blocks the test inside a click; a helper thread answers it.
-struct TAnswer {
-    TAnswer(const char* caption_, const std::string& fileName_ = std::string())
-        : caption(caption_), fileName(fileName_) {}
-    const char* caption;
-    std::string fileName;  // typed into a file dialog; empty: a message box
-    std::string seenText;  // the message box's text
-    bool seen = false;
-    HANDLE thread = nullptr;
-    int rounds = 1500;  // of 20 ms
-    volatile bool giveUp = false;
-    bool every = false;  // answer every such message box until giveUp
-    std::vector<std::string> texts;
-};
-
-// Answers message boxes of that caption one after the other.
-DWORD WINAPI AnswerEveryBox(TAnswer* answer) {
-    std::vector<HWND> answered;
-    for (int i = 0; i < answer->rounds && !answer->giveUp; ++i) {
-        HWND box = FindDialog(answer->caption);
-        bool known = false;
-        for (HWND a : answered) known = known || a == box;
-        if (box && !known && IsWindowVisible(box)) {
-            Sleep(200);
-            answer->texts.push_back(BoxText(box));
-            answered.push_back(box);
-            answer->seen = true;
-            PostMessageA(box, WM_COMMAND, IDOK, 0);
-        }
-        Sleep(20);
-    }
-    return 0;
-}
-
-DWORD WINAPI AnswerThread(void* p) {
-    auto* answer = static_cast<TAnswer*>(p);
-    if (answer->every) return AnswerEveryBox(answer);
-    for (int i = 0; i < answer->rounds && !answer->seen && !answer->giveUp; ++i) {
-        HWND box = FindDialog(answer->caption);
-        if (box && IsWindowVisible(box)) {
-            Sleep(200);  // let it finish its initialisation
-            if (answer->fileName.empty()) {
-                answer->seenText = BoxText(box);
-            } else {
-                HWND name = GetDlgItem(box, 0x47C);  // the file name combo
-                if (!name) name = GetDlgItem(box, 0x480);
-                SetWindowTextA(name, answer->fileName.c_str());
-            }
-            answer->seen = true;
-            PostMessageA(box, WM_COMMAND, IDOK, 0);
-            break;
-        }
-        Sleep(20);
-    }
-    return 0;
-}
-
-void StartAnswer(TAnswer* answer) { answer->thread = CreateThread(nullptr, 0, AnswerThread, answer, 0, nullptr); }
-
-bool EndAnswer(TAnswer* answer) {
-    if (!answer->thread) return false;
-    PumpUntil([&] { return WaitForSingleObject(answer->thread, 0) == WAIT_OBJECT_0; }, 40000);
-    CloseHandle(answer->thread);
-    answer->thread = nullptr;
-    return answer->seen;
-}
+std::string WriteScript(const char* name, const std::string& text) { return WriteBytes(g_folder + name, text); }
 
 // Picks the script through the "..." button and the open-file dialog.
 void Browse(HWND dialog, const std::string& path) {
-    TAnswer answer("Open a script file", path);
-    StartAnswer(&answer);
-    Click(dialog, IDC_SP_BROWSE);
-    CHECK(EndAnswer(&answer));
-    PumpMessages(100);
+    Drive([&] { Click(dialog, IDC_SP_BROWSE); }, [&] { CHECK(AnswerFileDialog("Open a script file", path)); });
     CHECK_EQ_STR(ItemText(dialog, IDC_SP_PATH), path);
+}
+
+// A click whose handler shows an error box on this thread: the box's text.
+std::string ErrorAfter(HWND dialog, int id) {
+    std::string text;
+    Drive([&] { Click(dialog, id); }, [&] { text = AnswerBox("Error", IDOK).text; });
+    return text;
+}
+
+// A window of the script's worker thread: waited for while this thread pumps,
+// then given time to settle.
+HWND Await(const char* caption) {
+    HWND found = nullptr;
+    CHECK(PumpUntil([&] { return (found = FindDialog(caption)) != nullptr; }, 10000));
+    if (found) PumpMessages(300);
+    return found;
 }
 
 bool Idle(HWND dialog) { return ItemText(dialog, IDC_SP_EXECUTE) == "Execute script"; }
@@ -155,9 +65,7 @@ const char kLoopScript[] = "print(\"looping\\n\");\nwhile (1) {}\n";
 // Browse, a run whose output uses carriage returns, Copy, minimum size.
 void TestRunAndLog(CSimDevice* sim) {
     CTestProcessor processor;
-    processor.Connect(sim);
-    CHECK(processor.ShowDialogNonModal(TestHostWindow()) == EONX_ERR_NONE);
-    HWND dialog = processor.Window();
+    HWND dialog = processor.Open(sim);
     CHECK(dialog != nullptr);
     if (!dialog) return;
     CHECK_EQ_STR(WindowText(dialog), "Script processor");
@@ -167,38 +75,25 @@ void TestRunAndLog(CSimDevice* sim) {
     CHECK(Idle(dialog));
 
     // Edit without a file (the handler, though the button is disabled).
-    TAnswer noFile("Error");
-    StartAnswer(&noFile);
-    Click(dialog, IDC_SP_EDIT);
-    CHECK(EndAnswer(&noFile));
-    CHECK_EQ_STR(noFile.seenText, "No file name present");
+    CHECK_EQ_STR(ErrorAfter(dialog, IDC_SP_EDIT), "No file name present");
 
     // New script: an empty file, then the editor.
     std::string fresh = g_folder + "fresh.dcs";
     DeleteFileA(fresh.c_str());
-    TAnswer save("New script file", fresh);
-    TAnswer shellError("Error");
-    shellError.every = true;
-    StartAnswer(&save);
-    StartAnswer(&shellError);
-    Click(dialog, IDC_SP_NEW);
-    CHECK(EndAnswer(&save));
     // The editor registered for text files opens it (Wine's notepad), or,
     // where none is registered, the shell's failure is shown.
     HWND editor = nullptr;
-    auto shellFailed = [&] {
-        for (const std::string& text : shellError.texts)
-            if (text.rfind("ShellExecute error ", 0) == 0) return true;
-        return false;
-    };
-    PumpUntil([&] {
-        return shellFailed() || (editor = FindWindowA("Notepad", nullptr)) != nullptr;
-    }, 20000);
-    shellError.giveUp = true;
-    EndAnswer(&shellError);
+    std::string shellError;
+    Drive([&] { Click(dialog, IDC_SP_NEW); }, [&] {
+        CHECK(AnswerFileDialog("New script file", fresh));
+        for (DWORD start = GetTickCount(); !editor && shellError.empty() && GetTickCount() - start < 20000; Sleep(20)) {
+            editor = FindWindowA("Notepad", nullptr);
+            if (FindDialog("Error")) shellError = AnswerBox("Error", IDOK).text;
+        }
+    });
     if (editor) PostMessageA(editor, WM_CLOSE, 0, 0);
-    for (const std::string& text : shellError.texts) std::printf("new script: \"%s\"\n", text.c_str());
-    CHECK(editor != nullptr || shellFailed());
+    std::printf("new script: %s\n", editor ? "the editor opened" : ("\"" + shellError + "\"").c_str());
+    CHECK(editor != nullptr || shellError.rfind("ShellExecute error ", 0) == 0);
     CHECK_EQ_STR(ItemText(dialog, IDC_SP_PATH), fresh);
     WIN32_FILE_ATTRIBUTE_DATA attributes = {};
     CHECK(GetFileAttributesExA(fresh.c_str(), GetFileExInfoStandard, &attributes) &&
@@ -240,32 +135,12 @@ void TestRunAndLog(CSimDevice* sim) {
     // Minimum size: the initial width, 250 pixels high; anchors follow.
     RECT initial;
     GetWindowRect(dialog, &initial);
-    RECT logBefore = ChildRect(dialog, IDC_SP_LOG), runBefore = ChildRect(dialog, IDC_SP_EXECUTE);
-    RECT labelBefore = ChildRect(dialog, IDC_SP_PATHLABEL);
-    SetWindowPos(dialog, nullptr, 0, 0, 100, 100, SWP_NOMOVE | SWP_NOZORDER);
-    RECT small;
-    GetWindowRect(dialog, &small);
-    CHECK(small.right - small.left == initial.right - initial.left);
-    CHECK(small.bottom - small.top == 250);
-    SetWindowPos(dialog, nullptr, 0, 0, initial.right - initial.left + 120,
-                 initial.bottom - initial.top + 80, SWP_NOMOVE | SWP_NOZORDER);
-    RECT logAfter = ChildRect(dialog, IDC_SP_LOG), runAfter = ChildRect(dialog, IDC_SP_EXECUTE);
-    RECT labelAfter = ChildRect(dialog, IDC_SP_PATHLABEL);
-    CHECK(logAfter.right - logBefore.right == 120 && logAfter.bottom - logBefore.bottom == 80);
-    CHECK(logAfter.left == logBefore.left && logAfter.top == logBefore.top);
-    CHECK(runAfter.left - runBefore.left == 120 && runAfter.top - runBefore.top == 80);
-    CHECK(labelAfter.left == labelBefore.left && labelAfter.top - labelBefore.top == 80);
-    SetWindowPos(dialog, nullptr, 0, 0, initial.right - initial.left,
-                 initial.bottom - initial.top, SWP_NOMOVE | SWP_NOZORDER);
+    CHECK_EQ_STR(SmallestSize(dialog), std::to_string(initial.right - initial.left) + "x250");
+    CHECK_EQ_STR(MovesOnGrowth(dialog, {IDC_SP_LOG, IDC_SP_EXECUTE, IDC_SP_PATHLABEL}), "0 0 120 80|120 80 120 80|0 80 0 80|");
 
     // Without a channel nothing starts.
     processor.Connect(nullptr);
-    TAnswer noDevice("Error");
-    StartAnswer(&noDevice);
-    Click(dialog, IDC_SP_EXECUTE);
-    CHECK(EndAnswer(&noDevice));
-    CHECK_EQ_STR(noDevice.seenText, "No communication device available!");
-    PumpMessages(100);
+    CHECK_EQ_STR(ErrorAfter(dialog, IDC_SP_EXECUTE), "No communication device available!");
     CHECK(Idle(dialog));
     CHECK(SendMessageA(log, LB_GETCOUNT, 0, 0) == 0);  // cleared all the same
 }
@@ -273,9 +148,7 @@ void TestRunAndLog(CSimDevice* sim) {
 // Stop during an endless loop: the button turns back.
 void TestStop(CSimDevice* sim) {
     CTestProcessor processor;
-    processor.Connect(sim);
-    CHECK(processor.ShowDialogNonModal(TestHostWindow()) == EONX_ERR_NONE);
-    HWND dialog = processor.Window();
+    HWND dialog = processor.Open(sim);
     if (!dialog) return;
     Browse(dialog, WriteScript("loop.dcs", kLoopScript));
     Click(dialog, IDC_SP_EXECUTE);
@@ -287,11 +160,7 @@ void TestStop(CSimDevice* sim) {
     CHECK_EQ_STR(Joined(ListLines(log)), "looping|");
 
     // The run ends as a failure: its message comes up on this thread.
-    TAnswer failed("Error");
-    StartAnswer(&failed);
-    Click(dialog, IDC_SP_EXECUTE);
-    CHECK(EndAnswer(&failed));
-    CHECK(failed.seenText.rfind("Error executing script: ", 0) == 0);
+    CHECK(ErrorAfter(dialog, IDC_SP_EXECUTE).rfind("Error executing script: ", 0) == 0);
     CHECK(PumpUntil([&] { return Idle(dialog); }, 10000));
     CHECK(sim->LockOwner() == nullptr);
     // The engine's diagnostic reached the log after the first line.
@@ -305,9 +174,7 @@ void TestCloseDuringRun(CSimDevice* sim) {
     std::string loop = WriteScript("loop.dcs", kLoopScript);
     {
         auto* processor = new CTestProcessor;
-        processor->Connect(sim);
-        processor->ShowDialogNonModal(TestHostWindow());
-        HWND dialog = processor->Window();
+        HWND dialog = processor->Open(sim);
         Browse(dialog, loop);
         Click(dialog, IDC_SP_EXECUTE);
         CHECK(PumpUntil([&] { return sim->LockOwner() == processor; }, 5000));
@@ -320,12 +187,9 @@ void TestCloseDuringRun(CSimDevice* sim) {
     }
     {
         // The host's window goes first, taking the dialog with it.
-        HWND parent = CreateWindowA("OndWinTestHost", "parent", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0,
-                                    0, 300, 200, nullptr, nullptr, GetModuleHandleA(nullptr), nullptr);
         CTestProcessor processor;
-        processor.Connect(sim);
-        processor.ShowDialogNonModal(parent);
-        HWND dialog = processor.Window();
+        HWND parent = NewHostWindow("parent");
+        HWND dialog = processor.Open(sim, parent);
         Browse(dialog, loop);
         Click(dialog, IDC_SP_EXECUTE);
         CHECK(PumpUntil([&] { return sim->LockOwner() == &processor; }, 5000));
@@ -337,16 +201,14 @@ void TestCloseDuringRun(CSimDevice* sim) {
     {
         // A question is open on the worker thread when the object goes.
         auto* processor = new CTestProcessor;
-        processor->Connect(sim);
-        processor->ShowDialogNonModal(TestHostWindow());
-        HWND dialog = processor->Window();
+        HWND dialog = processor->Open(sim);
         Browse(dialog, WriteScript("ask.dcs",
                                    "var dword v;\nv = userinputdword(\"Left open\", \"P\", 1);\n"
                                    "while (1) {}\n"));
         Click(dialog, IDC_SP_EXECUTE);
         CHECK(PumpUntil([&] { return FindDialog("Left open") != nullptr; }, 10000));
         delete processor;
-        CHECK(FindDialog("Left open") == nullptr);
+        CHECK(FindWindowA("#32770", "Left open") == nullptr);
         CHECK(sim->LockOwner() == nullptr);
     }
 }
@@ -355,9 +217,7 @@ void TestCloseDuringRun(CSimDevice* sim) {
 // message, then a valid value; then a list question.
 void TestOperatorDialogs(CSimDevice* sim) {
     CTestProcessor processor;
-    processor.Connect(sim);
-    processor.ShowDialogNonModal(TestHostWindow());
-    HWND dialog = processor.Window();
+    HWND dialog = processor.Open(sim);
     if (!dialog) return;
     Browse(dialog, WriteScript("questions.dcs",
                                "var dword v;\nvar dword ok;\nvar int32 pick;\n"
@@ -372,21 +232,16 @@ void TestOperatorDialogs(CSimDevice* sim) {
                                "print(\"text \", t, \" confirmed \", ok, \"\\n\");\n"));
     Click(dialog, IDC_SP_EXECUTE);
 
-    HWND ask = nullptr;
-    CHECK(PumpUntil([&] { return (ask = FindDialog("Operator test")) != nullptr; }, 10000));
+    HWND ask = Await("Operator test");
     if (!ask) return;
-    PumpMessages(300);
     CHECK_EQ_STR(ItemText(ask, IDC_UI_PROMPT), "A number from 10 to 20");
     CHECK_EQ_STR(ItemText(ask, IDC_UI_INPUT), "20");  // the default, clamped
     SaveScreenshot(ask, "userinput");
 
     SetDlgItemTextA(ask, IDC_UI_INPUT, "25");
     PostMessageA(ask, WM_COMMAND, IDOK, 0);
-    HWND box = nullptr;
-    CHECK(PumpUntil([&] { return (box = FindDialog("Error")) != nullptr; }, 10000));
-    if (box) {
-        PumpMessages(300);
-        CHECK_EQ_STR(BoxText(box), "Value must be <= 20");
+    if (HWND box = Await("Error")) {
+        CHECK_EQ_STR(ReadBox(box).text, "Value must be <= 20");
         CHECK(GetWindow(box, GW_OWNER) == ask);
         SaveScreenshot(box, "userinput-error");
         PostMessageA(box, WM_COMMAND, IDOK, 0);
@@ -404,10 +259,7 @@ void TestOperatorDialogs(CSimDevice* sim) {
     PostMessageA(ask, WM_COMMAND, IDOK, 0);
     CHECK(PumpUntil([&] { return !IsWindow(ask); }, 5000));
 
-    HWND pick = nullptr;
-    CHECK(PumpUntil([&] { return (pick = FindDialog("Pick test")) != nullptr; }, 10000));
-    if (pick) {
-        PumpMessages(300);
+    if (HWND pick = Await("Pick test")) {
         HWND list = GetDlgItem(pick, IDC_ULI_LIST);
         CHECK_EQ_STR(ItemText(pick, IDC_ULI_PROMPT), "Select an item");
         CHECK_EQ_STR(Joined(ListLines(list)), "alpha|beta|gamma with a longer text|");
@@ -419,20 +271,14 @@ void TestOperatorDialogs(CSimDevice* sim) {
 
     // A text question with an empty prompt, then a message with its caption
     // first, as the script gives them.
-    HWND text = nullptr;
-    CHECK(PumpUntil([&] { return (text = FindDialog("Text test")) != nullptr; }, 10000));
-    if (text) {
-        PumpMessages(300);
+    if (HWND text = Await("Text test")) {
         CHECK_EQ_STR(ItemText(text, IDC_UI_PROMPT), "Enter information");
         CHECK_EQ_STR(ItemText(text, IDC_UI_INPUT), "abc");
         SetDlgItemTextA(text, IDC_UI_INPUT, "typed text");
         PostMessageA(text, WM_COMMAND, IDOK, 0);
     }
-    HWND note = nullptr;
-    CHECK(PumpUntil([&] { return (note = FindDialog("Note")) != nullptr; }, 10000));
-    if (note) {
-        PumpMessages(300);
-        CHECK_EQ_STR(BoxText(note), "got typed text");
+    if (HWND note = Await("Note")) {
+        CHECK_EQ_STR(ReadBox(note).text, "got typed text");
         CHECK(GetWindow(note, GW_OWNER) == nullptr);
         PostMessageA(note, WM_COMMAND, IDOK, 0);
     }
@@ -448,23 +294,17 @@ void TestOperatorDialogs(CSimDevice* sim) {
 // the engine's diagnostic, and the window stays.
 void TestDeepRecursion(CSimDevice* sim) {
     CTestProcessor processor;
-    processor.Connect(sim);
-    processor.ShowDialogNonModal(TestHostWindow());
-    HWND dialog = processor.Window();
+    HWND dialog = processor.Open(sim);
     if (!dialog) return;
     const char* f = "func f(var int64 n) { var int64 r; var string s; r = 0;"
                     " if (n > 0) { r = 1 + f(n - 1); } f = r; }\n";
-    Browse(dialog, WriteScript("deep.dcs", (std::string(f) + "print(f(1000), \"\\n\");\n").c_str()));
+    Browse(dialog, WriteScript("deep.dcs", std::string(f) + "print(f(1000), \"\\n\");\n"));
     CHECK(RunToEnd(dialog));
     HWND log = GetDlgItem(dialog, IDC_SP_LOG);
     CHECK_EQ_STR(Joined(ListLines(log)), "1000|");
 
-    Browse(dialog, WriteScript("deeper.dcs", (std::string(f) + "print(f(1000000));\n").c_str()));
-    TAnswer failed("Error");
-    StartAnswer(&failed);
-    Click(dialog, IDC_SP_EXECUTE);
-    CHECK(EndAnswer(&failed));
-    CHECK(failed.seenText.rfind("Error executing script: ", 0) == 0);
+    Browse(dialog, WriteScript("deeper.dcs", std::string(f) + "print(f(1000000));\n"));
+    CHECK(ErrorAfter(dialog, IDC_SP_EXECUTE).rfind("Error executing script: ", 0) == 0);
     CHECK(PumpUntil([&] { return Idle(dialog); }, 10000));
     std::vector<std::string> lines = ListLines(log);
     CHECK(lines.size() == 1 && lines[0].rfind("out of memory error near line 1/column ", 0) == 0);
@@ -474,10 +314,7 @@ void TestDeepRecursion(CSimDevice* sim) {
 }  // namespace
 
 void TestScriptWindow() {
-    char temp[MAX_PATH] = "";
-    GetTempPathA(MAX_PATH, temp);
-    g_folder = std::string(temp) + "ondwin\\";
-    CreateDirectoryA(g_folder.c_str(), nullptr);
+    g_folder = TempFolder("ondwin");
 
     CSimDevice sim;
     TestRunAndLog(&sim);

@@ -25,7 +25,8 @@ struct TTemplate {
 };
 
 const TTemplate kTemplates[] = {
-    {IDD_TERMINAL, "terminal", "Terminal", 354, 297, IDC_TERM_STATUS, 3, 282, 348, 12},
+    // (The Terminal's controls: every one in its window's test.)
+    {IDD_TERMINAL, "terminal", "Terminal", 354, 297, 0, 0, 0, 0, 0},
     {IDD_FILEMANAGER, "file-manager", "File manager", 492, 266, IDC_FM_DEVICELIST, 326, 59, 158, 133},
     {IDD_FILEPROPERTIES, "file-properties", "File properties", 315, 70, IDC_FP_NOTE, 4, 38, 307, 8},
     {IDD_PROGRESS, "progress", "Progress", 361, 87, IDC_PROG_FILE, 3, 48, 355, 11},
@@ -59,7 +60,7 @@ void TestTemplates() {
         RECT units = {t.x, t.y, t.cx, t.cy};
         MapDialogRect(hwnd, &units);
         RECT expected = {units.left, units.top, units.left + units.right, units.top + units.bottom};
-        CHECK(SameRect(ChildRect(hwnd, t.ctrlId), expected));
+        if (t.ctrlId) CHECK(SameRect(ChildRect(hwnd, t.ctrlId), expected));
 
         dialog.Show(true);
         CHECK(SaveScreenshot(hwnd, "dialog-" + std::to_string(t.id) + "-" + t.name));

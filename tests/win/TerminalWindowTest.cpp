@@ -7,19 +7,13 @@
 #include <vector>
 
 #include "WinTest.h"
-#include "frame/DeviceClient.h"
-#include "frame/Dialog.h"
 #include "host/sim/SimDevice.h"
 #include "res/OndResource.h"
 #include "terminal/Terminal.h"
 
 namespace {
 
-// The object as the factory makes it, with a look at its window.
-class CTestTerminal : public CONXTerminal {
-public:
-    HWND Window() { return m_pDialog ? m_pDialog->GetSafeHwnd() : nullptr; }
-};
+using CTestTerminal = CWindowed<CONXTerminal>;
 
 int g_other;  // another lock owner, as a script run would be
 
@@ -50,18 +44,6 @@ void SendTyped(HWND dialog, const char* text) {
     SetWindowTextA(input, "");
     Type(input, text);
     Key(input, VK_RETURN);
-}
-
-std::string ClipboardBytes() {
-    std::string copied;
-    if (OpenClipboard(nullptr)) {
-        HANDLE data = GetClipboardData(CF_TEXT);
-        const char* p = data ? static_cast<const char*>(GlobalLock(data)) : nullptr;
-        if (p) copied.assign(p, GlobalSize(data));
-        if (data) GlobalUnlock(data);
-        CloseClipboard();
-    }
-    return copied;
 }
 
 struct TControl {
@@ -135,35 +117,14 @@ void TestLayout(CTestTerminal& terminal, HWND dialog, CSimDevice* sim) {
     CHECK(terminal.ShowDialogNonModal(TestHostWindow()) == EONX_ERR_NONE);
     CHECK(GetFocus() == GetDlgItem(dialog, IDC_TERM_INPUT));
 
-    // The minimum size, and the anchors when it grows.
-    RECT initial;
-    GetWindowRect(dialog, &initial);
-    SetWindowPos(dialog, nullptr, 0, 0, 100, 100, SWP_NOMOVE | SWP_NOZORDER);
-    RECT small;
-    GetWindowRect(dialog, &small);
-    CHECK(small.right - small.left == 200 && small.bottom - small.top == 250);
-    SetWindowPos(dialog, nullptr, 0, 0, initial.right - initial.left, initial.bottom - initial.top,
-                 SWP_NOMOVE | SWP_NOZORDER);
-    RECT before[8];
-    for (int i = 0; i < 8; ++i) before[i] = ChildRect(dialog, kControls[i].id);
-    SetWindowPos(dialog, nullptr, 0, 0, initial.right - initial.left + 120,
-                 initial.bottom - initial.top + 80, SWP_NOMOVE | SWP_NOZORDER);
-    // left, top, right, bottom moves: the group box widens; the list widens
-    // and grows; input and status widen and move down; the buttons move.
-    const int moves[8][4] = {
-        {0, 0, 120, 0}, {0, 0, 120, 80}, {0, 80, 120, 80}, {120, 80, 120, 80},
-        {120, 80, 120, 80}, {120, 80, 120, 80}, {120, 80, 120, 80}, {0, 80, 120, 80},
-    };
-    for (int i = 0; i < 8; ++i) {
-        RECT after = ChildRect(dialog, kControls[i].id);
-        bool ok = after.left - before[i].left == moves[i][0] && after.top - before[i].top == moves[i][1] &&
-                  after.right - before[i].right == moves[i][2] &&
-                  after.bottom - before[i].bottom == moves[i][3];
-        CHECK(ok);
-        if (!ok) std::printf("  control %d\n", kControls[i].id);
-    }
-    SetWindowPos(dialog, nullptr, 0, 0, initial.right - initial.left, initial.bottom - initial.top,
-                 SWP_NOMOVE | SWP_NOZORDER);
+    // The minimum size, and the anchors when it grows: the group box widens;
+    // the list widens and grows; input and status widen and move down; the
+    // buttons move.
+    CHECK_EQ_STR(SmallestSize(dialog), "200x250");
+    std::vector<int> ids;
+    for (const TControl& c : kControls) ids.push_back(c.id);
+    CHECK_EQ_STR(MovesOnGrowth(dialog, ids), "0 0 120 0|0 0 120 80|0 80 120 80|120 80 120 80|"
+                                             "120 80 120 80|120 80 120 80|120 80 120 80|0 80 120 80|");
 }
 
 // Typed lines reach the device byte for byte and come back into the list.
@@ -429,9 +390,7 @@ void TestEndings(CSimDevice* sim) {
     {
         // Closed with a poll due, then deleted with a poll due.
         auto* terminal = new CTestTerminal;
-        terminal->Connect(sim);
-        terminal->ShowDialogNonModal(TestHostWindow());
-        HWND dialog = terminal->Window();
+        HWND dialog = terminal->Open(sim);
         PostMessageA(dialog, WM_TIMER, 1, 0);
         PostMessageA(dialog, WM_CLOSE, 0, 0);
         PumpMessages(50);
@@ -443,12 +402,9 @@ void TestEndings(CSimDevice* sim) {
         CHECK(!IsWindow(dialog));
     }
     {
-        HWND parent = CreateWindowA("OndWinTestHost", "parent", WS_OVERLAPPEDWINDOW, 0, 0, 300, 200,
-                                    nullptr, nullptr, GetModuleHandleA(nullptr), nullptr);
+        HWND parent = NewHostWindow("parent");
         CTestTerminal terminal;
-        terminal.Connect(sim);
-        terminal.ShowDialogNonModal(parent);
-        HWND dialog = terminal.Window();
+        HWND dialog = terminal.Open(sim, parent);
         PostMessageA(dialog, WM_TIMER, 1, 0);
         DestroyWindow(parent);
         PumpMessages(50);
@@ -457,12 +413,9 @@ void TestEndings(CSimDevice* sim) {
     }
     {
         // A second copy of the module, loaded and unloaded as a host does it.
-        char path[MAX_PATH] = "", temp[MAX_PATH] = "";
-        GetModuleFileNameA(GetModuleHandleA("OndDeviceClient.dll"), path, MAX_PATH);
-        GetTempPathA(MAX_PATH, temp);
-        std::string copy = std::string(temp) + "OndTerminalUnload.dll";
-        CHECK(CopyFileA(path, copy.c_str(), FALSE));
-        HMODULE module = LoadLibraryA(copy.c_str()); CHECK(module != nullptr);
+        std::string copy;
+        HMODULE module = LoadModuleCopy("OndTerminalUnload.dll", &copy);
+        CHECK(module != nullptr);
         if (module) {
             auto create = reinterpret_cast<FnCreateInstance>(
                 reinterpret_cast<void*>(GetProcAddress(module, "OndDeviceClientCreateInstance")));
@@ -499,9 +452,7 @@ void TestTerminalWindow() {
         // One window for these groups: each window that goes costs Wine
         // seconds without a window manager.
         CTestTerminal terminal;
-        terminal.Connect(&sim);
-        CHECK(terminal.ShowDialogNonModal(TestHostWindow()) == EONX_ERR_NONE);
-        HWND dialog = terminal.Window();
+        HWND dialog = terminal.Open(&sim);
         CHECK(dialog != nullptr);
         if (dialog) {
             TestLayout(terminal, dialog, &sim);
