@@ -86,6 +86,13 @@ static int32_t Transmit(CChannel* c, const char* data, uint64_t length, uint64_t
     return 0;
 }
 
+/* The progress steps of a transfer; the callback may abort it. */
+static int32_t Steps(int32_t (*callback)(void*, uint32_t), void* context, uint32_t steps) {
+    for (uint32_t i = 0; callback && i <= steps; ++i)
+        if (callback(context, i)) return -2;
+    return 0;
+}
+
 static int32_t TransmitFileFromMemory(CChannel* c, const char* data, uint64_t length,
                                       uint8_t fileId, uint8_t fileType, uint32_t fileMode,
                                       int32_t (*callback)(void*, uint32_t), void* context,
@@ -93,9 +100,7 @@ static int32_t TransmitFileFromMemory(CChannel* c, const char* data, uint64_t le
     uint64_t a[9] = {(uint64_t)(uintptr_t)data, length, fileId, fileType, fileMode,
                      (uint64_t)(uintptr_t)callback, (uint64_t)(uintptr_t)context, flag, steps};
     Record(c, 23, 9, a);
-    for (uint32_t i = 0; callback && i <= steps; ++i)
-        if (callback(context, i)) return -2;
-    return 0;
+    return Steps(callback, context, steps);
 }
 
 static int32_t TransmitFile(CChannel* c, const char* path, uint8_t fileId, uint8_t fileType,
@@ -104,9 +109,7 @@ static int32_t TransmitFile(CChannel* c, const char* path, uint8_t fileId, uint8
     uint64_t a[8] = {(uint64_t)(uintptr_t)path, fileId, fileType, fileMode,
                      (uint64_t)(uintptr_t)callback, (uint64_t)(uintptr_t)context, flag, steps};
     Record(c, 25, 8, a);
-    for (uint32_t i = 0; callback && i <= steps; ++i)
-        if (callback(context, i)) return -2;
-    return 0;
+    return Steps(callback, context, steps);
 }
 
 static int32_t ReadDirectory(CChannel* c) {
@@ -125,18 +128,12 @@ typedef struct { uint32_t a, b, files, bytes, onDisk; } CDirInfo;
 static void GetDirectoryEntry(CChannel* c, uint32_t index, CDirEntry* entry) {
     uint64_t a[1] = {index};
     Record(c, 29, 1, a);
-    entry->id = (uint8_t)(10 + index);
-    entry->type = 3;
-    entry->size = 1000u * (index + 1);
+    *entry = (CDirEntry){(uint8_t)(10 + index), 3, 1000u * (index + 1)};
 }
 
 static void GetDirectoryInfo(CChannel* c, CDirInfo* info) {
     Record(c, 30, 0, 0);
-    info->a = 250;
-    info->b = 4096;
-    info->files = 2;
-    info->bytes = 3000;
-    info->onDisk = 8192;
+    *info = (CDirInfo){250, 4096, 2, 3000, 8192};
 }
 
 static int32_t DeleteDeviceFile(CChannel* c, uint8_t fileId) {

@@ -9,18 +9,7 @@
 extern "C" {
 #include "c_channel.h"
 }
-
-static int passed, failed;
-
-#define CHECK(cond)                                                              \
-    do {                                                                         \
-        if (cond) {                                                              \
-            ++passed;                                                            \
-        } else {                                                                 \
-            ++failed;                                                            \
-            std::printf("FAILED %s:%d: %s\n", __FILE__, __LINE__, #cond);         \
-        }                                                                        \
-    } while (0)
+#include "check.h"
 
 static CChannel channel;
 

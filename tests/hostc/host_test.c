@@ -9,18 +9,7 @@
 #include <string.h>
 
 #include "c_channel.h"
-
-static int passed, failed;
-
-#define CHECK(cond)                                                    \
-    do {                                                               \
-        if (cond) {                                                    \
-            ++passed;                                                  \
-        } else {                                                       \
-            ++failed;                                                  \
-            printf("FAILED %s:%d: %s\n", __FILE__, __LINE__, #cond);   \
-        }                                                              \
-    } while (0)
+#include "check.h"
 
 /* The exports. */
 typedef uint32_t (*FnGetNumObj)(void);
@@ -68,15 +57,14 @@ static FnCreateInstance CreateInstance;
 static FnDeleteInstance DeleteInstance;
 
 static void TestExports(void) {
+    const char* names[] = {"Terminal", "File Manager", "Script Processor"};
     CHECK(GetNumObj() == 3);
-    CHECK(GetObjType(0) == 0x1000);
-    CHECK(GetObjType(1) == 0x1001);
-    CHECK(GetObjType(2) == 0x1002);
+    for (uint32_t i = 0; i < 3; ++i) {
+        CHECK(GetObjType(i) == 0x1000 + i);
+        CHECK(strcmp((const char*)GetObjInfo(0x1000 + i, 0), names[i]) == 0);
+    }
     CHECK(GetObjType(3) == 0xFFFFFFFFu);
     CHECK(GetObjType((uintptr_t)-1) == 0xFFFFFFFFu);
-    CHECK(strcmp((const char*)GetObjInfo(0x1000, 0), "Terminal") == 0);
-    CHECK(strcmp((const char*)GetObjInfo(0x1001, 0), "File Manager") == 0);
-    CHECK(strcmp((const char*)GetObjInfo(0x1002, 0), "Script Processor") == 0);
     CHECK(GetObjInfo(0x1001, 1) == 1);
     CHECK(GetObjInfo(0x1001, 2) == 0);
     CHECK(GetObjInfo(0x0FFF, 0) == 0);
@@ -227,6 +215,14 @@ static uint32_t CallSP(void* obj, uint32_t command, uint64_t a, uint64_t b, uint
     return ((FnCall)SLOT(obj, SLOT_CALL))(obj, command, a, b, c, 0);
 }
 
+/* Runs a script text (0x1000) or file (0x1001) with its output collected
+   into scriptOutput. */
+static uint32_t RunCollected(void* sp, uint32_t command, const char* textOrPath) {
+    scriptOutput[0] = 0;
+    return CallSP(sp, command, (uint64_t)(uintptr_t)textOrPath, (uint64_t)(uintptr_t)CollectOutput,
+                  (uint64_t)(uintptr_t)scriptOutput);
+}
+
 static void TestScriptProcessorCall(void) {
     void* sp = CreateInstance(0x1002);
     CChannel channel;
@@ -250,10 +246,8 @@ static void TestScriptProcessorCall(void) {
     CHECK(CallSP(sp, 0x1002, (uint64_t)(uintptr_t)set, 3, 0) == 0);
 
     /* Script text, output through a C function. */
-    scriptOutput[0] = 0;
     const char* text = "print(Label, Count + 1, \"\\n\"); Count = Count * 2; Label = Label + \"!\"; Wide = Wide - 1;";
-    CHECK(CallSP(sp, 0x1000, (uint64_t)(uintptr_t)text, (uint64_t)(uintptr_t)CollectOutput,
-                 (uint64_t)(uintptr_t)scriptOutput) == 0);
+    CHECK(RunCollected(sp, 0x1000, text) == 0);
     CHECK(strcmp(scriptOutput, "abc42\n") == 0);
     CHECK(channel.callCount == 2 && channel.calls[0].slot == 11 && channel.calls[1].slot == 13);
     CHECK(channel.calls[0].args[0] == (uint64_t)(uintptr_t)sp && channel.calls[0].args[1] == 500);
@@ -278,18 +272,11 @@ static void TestScriptProcessorCall(void) {
     CHECK(n > 0 && n < MAX_PATH);
     strcat(path, "ond_host_c_test.dcs");
     FILE* f = fopen(path, "wb");
-    CHECK(f != NULL);
-    if (f) {
-        fputs("print(\"file \", Count);\r\n", f);
-        fclose(f);
-    }
+    CHECK(f != NULL && fputs("print(\"file \", Count);\r\n", f) >= 0 && fclose(f) == 0);
     channel.callCount = 0;
-    scriptOutput[0] = 0;
-    CHECK(CallSP(sp, 0x1001, (uint64_t)(uintptr_t)path, (uint64_t)(uintptr_t)CollectOutput,
-                 (uint64_t)(uintptr_t)scriptOutput) == 0);
+    CHECK(RunCollected(sp, 0x1001, path) == 0);
     CHECK(strcmp(scriptOutput, "file 82") == 0);
-    CHECK(channel.callCount == 2);
-    CHECK(channel.calls[0].slot == 11 && channel.calls[1].slot == 13);
+    CHECK(channel.callCount == 2 && channel.calls[0].slot == 11 && channel.calls[1].slot == 13);
     CHECK(channel.lockDepth == 0);
     remove(path);
 
@@ -351,34 +338,26 @@ static void TestOperatorAndDepthThroughCall(void) {
     /* The module's own dialogs ask, on the host's thread, without an owner. */
     Question questions[] = {{"Serial number", "1234", "", 0}, {"Done", NULL, "", 0}, {NULL, NULL, "", 0}};
     HANDLE helper = CreateThread(NULL, 0, AnswerQuestions, questions, 0, NULL);
-    scriptOutput[0] = 0;
     const char* asks =
         "var dword v; var dword ok;\n"
         "v = userinputdword(\"Serial number\", \"From 1 to 9999\", 7, 1, 9999, &ok);\n"
         "messagebox(\"Done\", \"got \" + numtostr(v));\n"
         "print(v, \" \", ok, \"\\n\");\n";
-    CHECK(CallSP(sp, 0x1000, (uint64_t)(uintptr_t)asks, (uint64_t)(uintptr_t)CollectOutput,
-                 (uint64_t)(uintptr_t)scriptOutput) == 0);
+    CHECK(RunCollected(sp, 0x1000, asks) == 0);
     WaitForSingleObject(helper, 40000);
     CloseHandle(helper);
     CHECK(questions[0].answered && questions[1].answered);
     CHECK(strcmp(questions[1].seen, "got 1234") == 0);
     CHECK(strcmp(scriptOutput, "1234 1\n") == 0);
-    if (strcmp(scriptOutput, "1234 1\n") != 0) printf("  output: [%s]\n", scriptOutput);
 
     /* A thousand calls deep on the host's thread; far deeper a clean failure. */
     const char* f = "func f(var int64 n) { var int64 r; var string s; r = 0;"
                     " if (n > 0) { r = 1 + f(n - 1); } f = r; }\n";
     char text[256];
-    scriptOutput[0] = 0;
     snprintf(text, sizeof text, "%sprint(f(1000));", f);
-    CHECK(CallSP(sp, 0x1000, (uint64_t)(uintptr_t)text, (uint64_t)(uintptr_t)CollectOutput,
-                 (uint64_t)(uintptr_t)scriptOutput) == 0);
-    CHECK(strcmp(scriptOutput, "1000") == 0);
-    scriptOutput[0] = 0;
+    CHECK(RunCollected(sp, 0x1000, text) == 0 && strcmp(scriptOutput, "1000") == 0);
     snprintf(text, sizeof text, "%sprint(f(1000000));", f);
-    CHECK(CallSP(sp, 0x1000, (uint64_t)(uintptr_t)text, (uint64_t)(uintptr_t)CollectOutput,
-                 (uint64_t)(uintptr_t)scriptOutput) == 21);
+    CHECK(RunCollected(sp, 0x1000, text) == 21);
     CHECK(strncmp(scriptOutput, "out of memory error near line ", 30) == 0);
     DeleteInstance(sp);
 }
@@ -414,9 +393,7 @@ int main(void) {
     }
 
     TestExports();
-    TestCommonSlots(0x1000);
-    TestCommonSlots(0x1001);
-    TestCommonSlots(0x1002);
+    for (uint32_t type = 0x1000; type <= 0x1002; ++type) TestCommonSlots(type);
     TestEventRoutes();
     TestScriptProcessorCall();
     TestOperatorAndDepthThroughCall();

@@ -413,26 +413,22 @@ void TestProperties(CSimDevice* sim) {
     DropFiles(dialog, {a, image});
     SetCell(local, 0, 1, "17");
 
-    // Space on the first row: the dialog as the row gives it.
+    // Space on the first row: the dialog as the row gives it. What the driver
+    // saw, step by step, as "step: what|".
     Select(local, {0});
-    std::string path, id, type, items, note, afterType, afterId, typeShown;
-    TBox typeBox, idBox;
-    bool openAfterEnter = false, openAfterBoxes = false, editsOffForProgram = false;
+    std::string seen;
+    auto fields = [](HWND p) { return ItemText(p, IDC_FP_ID) + "," + ItemText(p, IDC_FP_TYPE); };
     Drive([&] { PostMessageA(local, WM_KEYDOWN, VK_SPACE, 0); }, [&] {
         HWND p = WaitForDialog("File properties");
         if (!p) return;
-        path = ItemText(p, IDC_FP_PATH);
-        id = ItemText(p, IDC_FP_ID);
-        type = ItemText(p, IDC_FP_TYPE);
-        items = ComboItems(GetDlgItem(p, IDC_FP_MODE));
-        typeShown = WindowText(GetDlgItem(p, IDC_FP_MODE));
+        seen += "open: " + ItemText(p, IDC_FP_PATH) + " " + fields(p) + " " + WindowText(GetDlgItem(p, IDC_FP_MODE)) +
+                " " + ComboItems(GetDlgItem(p, IDC_FP_MODE));  // sorted; data carries the mode
         SaveScreenshot(p, "fileproperties");
 
         // "program" turns both edits off and shows the note.
         SelectMode(p, 2);
-        editsOffForProgram = !IsWindowEnabled(GetDlgItem(p, IDC_FP_ID)) &&
-                             !IsWindowEnabled(GetDlgItem(p, IDC_FP_TYPE));
-        note = ItemText(p, IDC_FP_NOTE);
+        bool off = !IsWindowEnabled(GetDlgItem(p, IDC_FP_ID)) && !IsWindowEnabled(GetDlgItem(p, IDC_FP_TYPE));
+        seen += std::string("program: ") + (off ? "edits off " : "edits on ") + ItemText(p, IDC_FP_NOTE) + "|";
         SelectMode(p, 0);  // "bit reverse"
 
         // Enter in the ID edit: neither closes nor validates.
@@ -440,38 +436,25 @@ void TestProperties(CSimDevice* sim) {
         SendMessageA(p, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(GetDlgItem(p, IDC_FP_ID)), TRUE);
         PostMessageA(GetDlgItem(p, IDC_FP_ID), WM_KEYDOWN, VK_RETURN, 0);
         Sleep(300);
-        openAfterEnter = IsWindow(p) && FindDialog("Error") == nullptr;
+        seen += std::string("enter: ") + (IsWindow(p) && !FindDialog("Error") ? "open|" : "closed|");
 
-        // An invalid ID: its message; the type is not looked at yet.
+        // An invalid ID: its message, the stored ID again; the type is not
+        // looked at yet. Then a valid ID and an invalid type.
         SetDlgItemTextA(p, IDC_FP_TYPE, "abc");
         PressOK(p);
-        idBox = AnswerBox("Error", IDOK);
-        afterId = ItemText(p, IDC_FP_ID);
-        // A valid ID, an invalid type.
+        seen += "bad id: " + Shown(AnswerBox("Error", IDOK));  // answered before the fields are read
+        seen += " " + fields(p) + "|";
         SetDlgItemTextA(p, IDC_FP_ID, "300");
         PressOK(p);
-        typeBox = AnswerBox("Error", IDOK);
-        afterType = ItemText(p, IDC_FP_TYPE);
-        openAfterBoxes = IsWindow(p) != 0;
+        seen += "bad type: " + Shown(AnswerBox("Error", IDOK));
+        seen += " " + fields(p) + (IsWindow(p) ? " open|" : "|");
         SetDlgItemTextA(p, IDC_FP_TYPE, "12abc");
         PressOK(p);
         WaitGone(p);
     });
-    CHECK_EQ_STR(path, a);
-    CHECK_EQ_STR(id, "17");
-    CHECK_EQ_STR(type, "1");
-    CHECK_EQ_STR(items, "bit reverse=1|normal=0|program=2|");  // sorted; data carries the mode
-    CHECK_EQ_STR(typeShown, "normal");
-    CHECK(editsOffForProgram);
-    CHECK_EQ_STR(note, "NOTE: \"File ID\" and \"File type\" have no effect on files with mode \"program\"!");
-    CHECK(openAfterEnter);
-    CHECK_EQ_STR(idBox.text, "Invalid file ID!");
-    CHECK_EQ_STR(idBox.icon, "none");
-    CHECK_EQ_STR(idBox.buttons, "OK|");
-    CHECK_EQ_STR(afterId, "17");  // the stored ID again
-    CHECK_EQ_STR(typeBox.text, "Invalid file type!");
-    CHECK_EQ_STR(afterType, "1");
-    CHECK(openAfterBoxes);
+    CHECK_EQ_STR(seen, "open: " + a + " 17,1 normal bit reverse=1|normal=0|program=2|"
+                       "program: edits off NOTE: \"File ID\" and \"File type\" have no effect on files with mode \"program\"!|"
+                       "enter: open|bad id: none OK| Invalid file ID! 17,abc|bad type: none OK| Invalid file type! 300,1 open|");
     CHECK_EQ_STR(Rows(local), a + ",44,12,bit reverse|" + image + ",0,1,program|");
 
     // Two rows by double-click: Cancel on the first still opens the second;
@@ -591,11 +574,8 @@ void TestProgressAndAbort(CSimDevice* sim) {
     sim->SetStepDelay(15);  // 1.5 s per file
 
     for (bool byEscape : {false, true}) {
-        std::string count, name;
-        int barDuring = -1, totalDuring = -1;
-        uint64_t statesDuring = 99;
-        bool smooth = false;
-        TBox report;
+        std::string seen;  // the progress window's texts and bars, then the report
+        int bar = -1;
         uint64_t transfers = sim->CallCount("TransmitFile");
         Drive([&] { Click(dialog, IDC_FM_COPYALL); }, [&] {
             HWND progress = WaitForDialog("Progress");
@@ -604,24 +584,20 @@ void TestProgressAndAbort(CSimDevice* sim) {
             // channel beside the copy.
             uint64_t states = sim->CallCount("GetState");
             Sleep(700);
-            statesDuring = sim->CallCount("GetState") - states;
-            count = ItemText(progress, IDC_PROG_COUNT);
-            name = ItemText(progress, IDC_PROG_CURRENT);
-            barDuring = int(SendMessageA(GetDlgItem(progress, IDC_PROG_FILE), PBM_GETPOS, 0, 0));
-            totalDuring = int(SendMessageA(GetDlgItem(progress, IDC_PROG_TOTAL), PBM_GETPOS, 0, 0));
-            smooth = (GetWindowLongA(GetDlgItem(progress, IDC_PROG_FILE), GWL_STYLE) & PBS_SMOOTH) != 0;
+            HWND file = GetDlgItem(progress, IDC_PROG_FILE);
+            bar = int(SendMessageA(file, PBM_GETPOS, 0, 0));
+            seen = ItemText(progress, IDC_PROG_COUNT) + "|" + ItemText(progress, IDC_PROG_CURRENT) + "|total " +
+                   std::to_string(SendDlgItemMessageA(progress, IDC_PROG_TOTAL, PBM_GETPOS, 0, 0)) +
+                   ((GetWindowLongA(file, GWL_STYLE) & PBS_SMOOTH) ? " smooth" : "") + "|status reads " +
+                   std::to_string(sim->CallCount("GetState") - states) + "|";
             if (!byEscape) SaveScreenshot(progress, "progress");
             HWND abort = GetDlgItem(progress, IDCANCEL);
             PostMessageA(abort, byEscape ? WM_KEYDOWN : BM_CLICK, byEscape ? VK_ESCAPE : 0, 0);
-            report = AnswerBox("Error", IDOK);
+            seen += AnswerBox("Error", IDOK).text;
         });
-        CHECK_EQ_STR(count, "0 files of 2 copied so far...");
-        CHECK_EQ_STR(name, "Currently copying " + first);
-        CHECK(barDuring > 0 && barDuring < 100);
-        CHECK(totalDuring == 0);
-        CHECK(smooth);
-        CHECK(statesDuring == 0);
-        CHECK_EQ_STR(report.text, "Error during copying " + first + ": Transfer aborted");
+        CHECK_EQ_STR(seen, "0 files of 2 copied so far...|Currently copying " + first + "|total 0 smooth|status reads 0|"
+                           "Error during copying " + first + ": Transfer aborted");
+        CHECK(bar > 0 && bar < 100);
         CHECK(sim->CallCount("TransmitFile") - transfers == 1);  // no further file
         CHECK(!sim->GetStoredFile(0, nullptr));
         CHECK(sim->LockOwner() == nullptr);

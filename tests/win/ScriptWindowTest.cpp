@@ -81,14 +81,16 @@ void TestRunAndLog(CSimDevice* sim) {
     std::string fresh = g_folder + "fresh.dcs";
     DeleteFileA(fresh.c_str());
     // The editor registered for text files opens it (Wine's notepad), or,
-    // where none is registered, the shell's failure is shown.
+    // where none is registered, the shell's failure is shown (after the
+    // shell's own message, where it gives one).
     HWND editor = nullptr;
     std::string shellError;
     Drive([&] { Click(dialog, IDC_SP_NEW); }, [&] {
         CHECK(AnswerFileDialog("New script file", fresh));
-        for (DWORD start = GetTickCount(); !editor && shellError.empty() && GetTickCount() - start < 20000; Sleep(20)) {
+        for (DWORD start = GetTickCount(); !editor && GetTickCount() - start < 20000; Sleep(20)) {
             editor = FindWindowA("Notepad", nullptr);
             if (FindDialog("Error")) shellError = AnswerBox("Error", IDOK).text;
+            if (shellError.rfind("ShellExecute error ", 0) == 0) break;
         }
     });
     if (editor) PostMessageA(editor, WM_CLOSE, 0, 0);

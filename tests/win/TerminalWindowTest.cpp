@@ -128,65 +128,51 @@ void TestLayout(CTestTerminal& terminal, HWND dialog, CSimDevice* sim) {
 }
 
 // Typed lines reach the device byte for byte and come back into the list.
+// Types a line, sends it: "bytes the device got|status|what the input line kept".
+std::string Sent(HWND dialog, CSimDevice* sim, const char* typed) {
+    SendTyped(dialog, typed);
+    return sim->TakeTransmitted() + "|" + Status(dialog) + "|" + ItemText(dialog, IDC_TERM_INPUT);
+}
+
+// Typed lines reach the device byte for byte and come back into the list.
 void TestSending(CTestTerminal& terminal, HWND dialog, CSimDevice* sim) {
-    HWND input = GetDlgItem(dialog, IDC_TERM_INPUT);
     Tick(dialog);
     ClickNow(dialog, IDC_TERM_CLEAR);
     sim->TakeTransmitted();
-
-    SendTyped(dialog, "hello");
-    CHECK_EQ_STR(sim->TakeTransmitted(), "hello\r");
-    CHECK_EQ_STR(Status(dialog), "Wrote \"hello\\r\" to device.");
-    CHECK_EQ_STR(WindowText(input), "");
+    CHECK_EQ_STR(Sent(dialog, sim, "hello"), "hello\r|Wrote \"hello\\r\" to device.|");
     Tick(dialog);
     CHECK_EQ_STR(Joined(Lines(dialog)), "hello|");
-
     // Escapes, and a zero byte that ends what is sent.
-    SendTyped(dialog, "A\\(66)\\(x43)\\t\\(0)zz");
-    CHECK_EQ_STR(sim->TakeTransmitted(), "ABC\t\r");
-    CHECK_EQ_STR(Status(dialog), "Wrote \"A\\(66)\\(x43)\\t\\(0)zz\\r\" to device.");
-
+    CHECK_EQ_STR(Sent(dialog, sim, "A\\(66)\\(x43)\\t\\(0)zz"),
+                 "ABC\t\r|Wrote \"A\\(66)\\(x43)\\t\\(0)zz\\r\" to device.|");
     // Append CR off: the bytes alone.
     SendDlgItemMessageA(dialog, IDC_TERM_APPENDCR, BM_CLICK, 0, 0);
     CHECK(IsDlgButtonChecked(dialog, IDC_TERM_APPENDCR) == BST_UNCHECKED);
-    SendTyped(dialog, "x\\n");
-    CHECK_EQ_STR(sim->TakeTransmitted(), "x\n");
-    CHECK_EQ_STR(Status(dialog), "Wrote \"x\\n\" to device.");
+    CHECK_EQ_STR(Sent(dialog, sim, "x\\n"), "x\n|Wrote \"x\\n\" to device.|");
     SendDlgItemMessageA(dialog, IDC_TERM_APPENDCR, BM_CLICK, 0, 0);
     CHECK(IsDlgButtonChecked(dialog, IDC_TERM_APPENDCR) == BST_CHECKED);
-
     // A bad escape: the parser's message, nothing sent, the text kept.
-    SendTyped(dialog, "bad\\q");
-    CHECK_EQ_STR(Status(dialog), "Invalid ESC sequence \"\\q\".");
-    CHECK_EQ_STR(sim->TakeTransmitted(), "");
-    CHECK_EQ_STR(WindowText(input), "bad\\q");
+    CHECK_EQ_STR(Sent(dialog, sim, "bad\\q"), "|Invalid ESC sequence \"\\q\".|bad\\q");
 
     // A channel error: its text, the input kept, the lock released.
     sim->InjectFault("Transmit", 1);
-    SendTyped(dialog, "lost");
-    CHECK_EQ_STR(Status(dialog),
-                 std::string("Error: ") + sim->GetInfoString(2, SIMDEV_ERR_INJECTED));
-    CHECK_EQ_STR(WindowText(input), "lost");
+    CHECK_EQ_STR(Sent(dialog, sim, "lost"),
+                 std::string("|Error: ") + sim->GetInfoString(2, SIMDEV_ERR_INJECTED) + "|lost");
     CHECK(sim->LockOwner() == nullptr);
 
     // Another owner holds the lock (a script runs): the send waits 500 ms.
     CHECK(sim->Lock(&g_other, 0) == 0);
     DWORD start = GetTickCount();
-    SendTyped(dialog, "later");
-    DWORD waited = GetTickCount() - start;
-    CHECK_EQ_STR(Status(dialog), "Communication device is locked!");
-    CHECK(waited >= 450);
-    CHECK_EQ_STR(sim->TakeTransmitted(), "");
+    CHECK_EQ_STR(Sent(dialog, sim, "later"), "|Communication device is locked!|later");
+    CHECK(GetTickCount() - start >= 450);
     CHECK(sim->LockOwner() == &g_other);
     sim->Unlock(&g_other);
 
     // No channel: its wording, and the status line of the group box.
     terminal.Connect(nullptr);
-    SendTyped(dialog, "nowhere");
-    CHECK_EQ_STR(Status(dialog), "Not connected to communication device!");
+    CHECK_EQ_STR(Sent(dialog, sim, "nowhere"), "|Not connected to communication device!|nowhere");
     CHECK_EQ_STR(ItemText(dialog, IDC_TERM_CONFIG), "No communication device...");
     CHECK(sim->LockOwner() == nullptr);
-    CHECK_EQ_STR(sim->TakeTransmitted(), "");
     terminal.Connect(sim);
     CHECK(ItemText(dialog, IDC_TERM_CONFIG).rfind("Channel description: ", 0) == 0);
 }
