@@ -15,12 +15,13 @@ static CChannel channel;
 
 static const CChannelCall& Last() { return channel.calls[channel.callCount - 1]; }
 
-static void ExpectSlot(int slot) {
+// The last call landed in that slot of the C table.
+static bool Called(int slot) {
     bool ok = channel.callCount > 0 && Last().slot == slot;
     if (!ok)
         std::printf("expected a call of %s, the C table saw %s\n", CChannelSlotName(slot),
                     channel.callCount ? CChannelSlotName(Last().slot) : "nothing");
-    CHECK(ok);
+    return ok;
 }
 
 static int32_t Progress(void* context, uint32_t step) {
@@ -42,71 +43,53 @@ int main() {
         &COndDeviceComm_0::Reserved21, &COndDeviceComm_0::Reserved22, &COndDeviceComm_0::Reserved24,
         &COndDeviceComm_0::Reserved26};
     const int reservedSlots[] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 12, 14, 16, 17, 18, 21, 22, 24, 26};
-    for (size_t i = 0; i < sizeof reservedSlots / sizeof reservedSlots[0]; ++i) {
-        CHECK((comm->*reserved[i])() == -reservedSlots[i] - 1);
-        ExpectSlot(reservedSlots[i]);
-    }
+    for (size_t i = 0; i < sizeof reservedSlots / sizeof reservedSlots[0]; ++i)
+        CHECK((comm->*reserved[i])() == -reservedSlots[i] - 1 && Called(reservedSlots[i]));
 
-    CHECK(std::strcmp(comm->GetInfoString(0, 0), "C channel") == 0);
-    ExpectSlot(10);
+    CHECK(std::strcmp(comm->GetInfoString(0, 0), "C channel") == 0 && Called(10));
     CHECK(std::strcmp(comm->GetInfoString(2, -7), "minus seven") == 0);  // sign-widened code
     CHECK(Last().args[0] == 2 && (int64_t)Last().args[1] == -7);
 
-    CHECK(comm->Lock(&owner, 500) == 0);
-    ExpectSlot(11);
+    CHECK(comm->Lock(&owner, 500) == 0 && Called(11));
     CHECK(Last().args[0] == (uint64_t)(uintptr_t)&owner && Last().args[1] == 500);
     comm->Unlock(&owner);
-    ExpectSlot(13);
-    CHECK(channel.lockDepth == 0);
+    CHECK(Called(13) && channel.lockDepth == 0);
 
-    CHECK(comm->GetState() == 1);
-    ExpectSlot(15);
+    CHECK(comm->GetState() == 1 && Called(15));
 
     uint64_t written = 0;
-    CHECK(comm->Transmit("abc\0d", 5, &written) == 0);
-    ExpectSlot(20);
+    CHECK(comm->Transmit("abc\0d", 5, &written) == 0 && Called(20));
     CHECK(written == 5 && std::memcmp(channel.tx, "abc\0d", 5) == 0);
 
     std::memcpy(channel.rx, "xyz", 3);
     channel.rxLength = 3;
     char buffer[8];
     uint64_t received = 0;
-    CHECK(comm->Receive(buffer, 2, &received) == 0);
-    ExpectSlot(19);
+    CHECK(comm->Receive(buffer, 2, &received) == 0 && Called(19));
     CHECK(received == 2 && Last().args[1] == 2 && std::memcmp(buffer, "xy", 2) == 0);
 
     uint32_t lastStep = 0;
-    CHECK(comm->TransmitFileFromMemory("data", 4, 0x12, 0x34, 2, Progress, &lastStep, 1, 40) != 0);
-    ExpectSlot(23);
+    CHECK(comm->TransmitFileFromMemory("data", 4, 0x12, 0x34, 2, Progress, &lastStep, 1, 40) != 0 && Called(23));
     CHECK(Last().args[1] == 4 && Last().args[2] == 0x12 && Last().args[3] == 0x34 &&
           Last().args[4] == 2 && Last().args[7] == 1 && Last().args[8] == 40);
     CHECK(lastStep == 3);  // the callback ran until it asked to abort
 
-    CHECK(comm->TransmitFile("C:\\x.bin", 7, 8, 1, nullptr, nullptr, 1, 100) == 0);
-    ExpectSlot(25);
+    CHECK(comm->TransmitFile("C:\\x.bin", 7, 8, 1, nullptr, nullptr, 1, 100) == 0 && Called(25));
     CHECK(std::strcmp((const char*)(uintptr_t)Last().args[0], "C:\\x.bin") == 0);
     CHECK(Last().args[1] == 7 && Last().args[2] == 8 && Last().args[3] == 1 &&
           Last().args[6] == 1 && Last().args[7] == 100);
 
-    CHECK(comm->ReadDirectory() == 0);
-    ExpectSlot(27);
-    CHECK(comm->GetDirectoryEntryCount() == 2);
-    ExpectSlot(28);
+    CHECK(comm->ReadDirectory() == 0 && Called(27));
+    CHECK(comm->GetDirectoryEntryCount() == 2 && Called(28));
     TDEVDIRENTRY entry;
     comm->GetDirectoryEntry(1, &entry);
-    ExpectSlot(29);
-    CHECK(entry.fileId == 11 && entry.fileType == 3 && entry.fileSize == 2000);
+    CHECK(Called(29) && entry.fileId == 11 && entry.fileType == 3 && entry.fileSize == 2000);
     TDEVDIRINFO info;
     comm->GetDirectoryInfo(&info);
-    ExpectSlot(30);
-    CHECK(info.freeFactorA == 250 && info.freeFactorB == 4096 && info.fileCount == 2 &&
+    CHECK(Called(30) && info.freeFactorA == 250 && info.freeFactorB == 4096 && info.fileCount == 2 &&
           info.bytesInFiles == 3000 && info.bytesOnDevice == 8192);
-    CHECK(comm->DeleteDeviceFile(200) == 0);
-    ExpectSlot(31);
-    CHECK(Last().args[0] == 200);
-    CHECK(comm->FormatDevice(1) == 0);
-    ExpectSlot(32);
-    CHECK(Last().args[0] == 1);
+    CHECK(comm->DeleteDeviceFile(200) == 0 && Called(31) && Last().args[0] == 200);
+    CHECK(comm->FormatDevice(1) == 0 && Called(32) && Last().args[0] == 1);
 
     std::printf("%d passed, %d failed\n", passed, failed);
     return failed != 0;

@@ -647,29 +647,8 @@ void TestProgressAndAbort(CSimDevice* sim) {
 // Closing during a copy: the object deleted (from the host's own message, as
 // a host does) and the host's window destroyed. The worker is joined, the
 // lock given back, nothing is left open.
-const UINT WM_TEST_DELETE = WM_APP + 40;
-const UINT WM_TEST_DESTROY = WM_APP + 41;
-
-LRESULT CALLBACK HostProc(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lParam) {
-    if (msg == WM_TEST_DELETE) {
-        delete reinterpret_cast<CTestFileManager*>(wParam);
-        return 1;
-    }
-    if (msg == WM_TEST_DESTROY) {
-        DestroyWindow(reinterpret_cast<HWND>(wParam));
-        return 1;
-    }
-    return DefWindowProcA(hwnd, msg, wParam, lParam);
-}
-
 void TestCloseDuringCopy(CSimDevice* sim) {
-    WNDCLASSA wc = {};
-    wc.lpfnWndProc = HostProc;
-    wc.hInstance = GetModuleHandleA(nullptr);
-    wc.lpszClassName = "OndFMTestHost";
-    RegisterClassA(&wc);
-    HWND host = CreateWindowA("OndFMTestHost", "fm host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0,
-                              300, 200, nullptr, nullptr, wc.hInstance, nullptr);
+    HWND host = NewHostWindow("fm host");
     std::string slow = WriteFile("close.bin", "closing");
     sim->SetStepDelay(20);
     {
@@ -680,7 +659,7 @@ void TestCloseDuringCopy(CSimDevice* sim) {
         Drive([&] { Click(dialog, IDC_FM_COPYALL); }, [&] {
             sawProgress = WaitForDialog("Progress") != nullptr;
             Sleep(300);
-            SendMessageA(host, WM_TEST_DELETE, reinterpret_cast<WPARAM>(fm), 0);
+            OnHostThread([&] { delete fm; });
         });
         CHECK(sawProgress);
         CHECK(!IsWindow(dialog));
@@ -697,7 +676,7 @@ void TestCloseDuringCopy(CSimDevice* sim) {
         Drive([&] { Click(dialog, IDC_FM_COPYALL); }, [&] {
             WaitForDialog("Progress");
             Sleep(300);
-            SendMessageA(host, WM_TEST_DESTROY, reinterpret_cast<WPARAM>(parent), 0);
+            OnHostThread([&] { DestroyWindow(parent); });
         });
         CHECK(!IsWindow(dialog));
         CHECK(!fm.IsNonModalDialogOpen());
@@ -717,7 +696,7 @@ void TestCloseDuringCopy(CSimDevice* sim) {
         bool sawProperties = false;
         Drive([&] { PostMessageA(local, WM_KEYDOWN, VK_SPACE, 0); }, [&] {
             sawProperties = WaitForDialog("File properties") != nullptr;
-            SendMessageA(host, WM_TEST_DELETE, reinterpret_cast<WPARAM>(fm), 0);
+            OnHostThread([&] { delete fm; });
         });
         CHECK(sawProperties);
         CHECK(!IsWindow(dialog) && FindDialog("File properties") == nullptr);

@@ -77,6 +77,9 @@ std::string SmallestSize(HWND dialog);
 std::string MovesOnGrowth(HWND dialog, const std::vector<int>& ids);
 HWND TestHostWindow();                // a plain top-level window, the host's
 HWND NewHostWindow(const char* title);  // another one of its class, to be destroyed
+// Runs work on the thread of the host's windows (from a driver thread: in
+// the host's own message, as a host deletes an object).
+void OnHostThread(const std::function<void()>& work);
 
 // One of the module's objects with a look at its window.
 template <class TObject>

@@ -99,11 +99,23 @@ std::string MovesOnGrowth(HWND dialog, const std::vector<int>& ids) {
     return moves;
 }
 
+const UINT kRunOnHost = WM_APP + 40;
+
+static LRESULT CALLBACK HostProc(HWND hwnd, UINT msg, WPARAM wParam, LPARAM lParam) {
+    if (msg != kRunOnHost) return DefWindowProcA(hwnd, msg, wParam, lParam);
+    (*reinterpret_cast<const std::function<void()>*>(lParam))();
+    return 1;
+}
+
+void OnHostThread(const std::function<void()>& work) {
+    SendMessageA(TestHostWindow(), kRunOnHost, 0, reinterpret_cast<LPARAM>(&work));
+}
+
 HWND TestHostWindow() {
     static HWND host;
     if (!host) {
         WNDCLASSA wc = {};
-        wc.lpfnWndProc = DefWindowProcA;
+        wc.lpfnWndProc = HostProc;
         wc.hInstance = GetModuleHandleA(nullptr);
         wc.lpszClassName = "OndWinTestHost";
         wc.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_APPWORKSPACE + 1);
