@@ -166,7 +166,8 @@ void TestLayoutAndStates(CSimDevice* sim) {
     RECT client;
     GetClientRect(local, &client);
     std::string first = std::to_string(client.right - 150 < 200 ? 200 : client.right - 150);
-    CHECK_EQ_STR(Columns(local, 4), "Filename " + first + " left|File ID 50 right|File type 50 right|File mode 50 right|");
+    CHECK_EQ_STR(Columns(local, 4),
+                 "Filename " + first + " left|File ID 50 right|File type 50 right|File mode 50 right|");
     GetClientRect(device, &client);
     std::string last = std::to_string(client.right - 120 < 100 ? 100 : client.right - 120);
     CHECK_EQ_STR(Columns(device, 3), "File ID 60 right|File type 60 right|File size " + last + " right|");
@@ -264,14 +265,16 @@ void TestDelete(CSimDevice* sim) {
     // Two files, answered No: nothing happens.
     Select(device, {1, 2});
     uint64_t deletes = sim->CallCount("DeleteDeviceFile");
-    CHECK_EQ_STR(ClickAnswer(dialog, IDC_FM_DELETE, "Warning", IDNO).text, "Deleting 2 files from device, are you sure?");
+    CHECK_EQ_STR(ClickAnswer(dialog, IDC_FM_DELETE, "Warning", IDNO).text,
+                 "Deleting 2 files from device, are you sure?");
     CHECK(sim->CallCount("DeleteDeviceFile") == deletes);
     CHECK(sim->GetStoredFile(4, nullptr) && sim->GetStoredFile(5, nullptr));
 
     // Three rows, one of them not a number: skipped without a word.
     Select(device, {1, 2, 3});
     SetCell(device, 2, 0, "five");
-    CHECK_EQ_STR(ClickAnswer(dialog, IDC_FM_DELETE, "Warning", IDYES).text, "Deleting 3 files from device, are you sure?");
+    CHECK_EQ_STR(ClickAnswer(dialog, IDC_FM_DELETE, "Warning", IDYES).text,
+                 "Deleting 3 files from device, are you sure?");
     CHECK(sim->CallCount("DeleteDeviceFile") - deletes == 2);
     CHECK(FindDialog("Error") == nullptr);
     CHECK_EQ_STR(Rows(device), "1,2,300|5,1,10|7,9,5000|");
@@ -453,8 +456,9 @@ void TestProperties(CSimDevice* sim) {
         WaitGone(p);
     });
     CHECK_EQ_STR(seen, "open: " + a + " 17,1 normal bit reverse=1|normal=0|program=2|"
-                       "program: edits off NOTE: \"File ID\" and \"File type\" have no effect on files with mode \"program\"!|"
-                       "enter: open|bad id: none OK| Invalid file ID! 17,abc|bad type: none OK| Invalid file type! 300,1 open|");
+                       "program: edits off NOTE: \"File ID\" and \"File type\" have no effect on files "
+                       "with mode \"program\"!|enter: open|bad id: none OK| Invalid file ID! 17,abc|"
+                       "bad type: none OK| Invalid file type! 300,1 open|");
     CHECK_EQ_STR(Rows(local), a + ",44,12,bit reverse|" + image + ",0,1,program|");
 
     // Two rows by double-click: Cancel on the first still opens the second;
@@ -595,8 +599,9 @@ void TestProgressAndAbort(CSimDevice* sim) {
             PostMessageA(abort, byEscape ? WM_KEYDOWN : BM_CLICK, byEscape ? VK_ESCAPE : 0, 0);
             seen += AnswerBox("Error", IDOK).text;
         });
-        CHECK_EQ_STR(seen, "0 files of 2 copied so far...|Currently copying " + first + "|total 0 smooth|status reads 0|"
-                           "Error during copying " + first + ": Transfer aborted");
+        CHECK_EQ_STR(seen, "0 files of 2 copied so far...|Currently copying " + first +
+                               "|total 0 smooth|status reads 0|Error during copying " + first +
+                               ": Transfer aborted");
         CHECK(bar > 0 && bar < 100);
         CHECK(sim->CallCount("TransmitFile") - transfers == 1);  // no further file
         CHECK(!sim->GetStoredFile(0, nullptr));

@@ -144,7 +144,8 @@ void TestHostBadPort() {
 void TestHostFileManager() {
     std::string folder = TempFolder("ondhost");
     std::string data = WriteBytes(folder + "ondhost-copy.bin", "");
-    std::string job = WriteBytes(folder + "ondhost.dcj", "ondhost-copy.bin\t40\t1\tnormal\nondhost-copy.bin\t41\t1\tnormal\n");
+    std::string job = WriteBytes(folder + "ondhost.dcj",
+                                 "ondhost-copy.bin\t40\t1\tnormal\nondhost-copy.bin\t41\t1\tnormal\n");
     PROCESS_INFORMATION process;
     bool started = StartHost("--sim-delay 20", &process);
     CHECK(started);

@@ -1,7 +1,6 @@
 // The Script Processor's own window and the operator's questions, through the
 // DLL: real script runs on the worker thread, driven as a user does (clicks,
 // the file dialog, answering questions) while the test pumps like a host.
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -138,7 +137,8 @@ void TestRunAndLog(CSimDevice* sim) {
     RECT initial;
     GetWindowRect(dialog, &initial);
     CHECK_EQ_STR(SmallestSize(dialog), std::to_string(initial.right - initial.left) + "x250");
-    CHECK_EQ_STR(MovesOnGrowth(dialog, {IDC_SP_LOG, IDC_SP_EXECUTE, IDC_SP_PATHLABEL}), "0 0 120 80|120 80 120 80|0 80 0 80|");
+    CHECK_EQ_STR(MovesOnGrowth(dialog, {IDC_SP_LOG, IDC_SP_EXECUTE, IDC_SP_PATHLABEL}),
+                 "0 0 120 80|120 80 120 80|0 80 0 80|");
 
     // Without a channel nothing starts.
     processor.Connect(nullptr);
