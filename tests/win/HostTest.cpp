@@ -199,10 +199,15 @@ void TestHost() {
     HWND host = WaitForWindow(process.dwProcessId, "OndHostWindow", nullptr);
     CHECK(host != nullptr);
     if (host) {
-        PumpMessages(1000);  // the host shows what it can
         CHECK_EQ_STR(WindowText(host), "OndDeviceClient reference host - events by window message");
+        // The host window shows before its objects' dialogs do: each state
+        // line is waited for (a loaded machine takes seconds).
         for (int i = 0; i < 3; ++i) {
-            std::string state = ItemText(host, 400 + i);
+            std::string state;
+            PumpUntil([&] {
+                state = ItemText(host, 400 + i);
+                return state == "dialog open" || state == "no window yet (17, EONX_ERR_DIALOG)";
+            }, 15000);
             CHECK(state == "dialog open" || state == "no window yet (17, EONX_ERR_DIALOG)");
         }
         // The type list and one answer per object. (Wine garbles list-box
